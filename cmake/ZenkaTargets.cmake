@@ -1,0 +1,36 @@
+# zenka_library(folder USES other-folders... LINKS imported-targets...)
+# One static library from the sources of one folder of src/. USES is the layer rule in CMake's words:
+# a folder links only with what it may include.
+function(zenka_library folder)
+  cmake_parse_arguments(arg "" "" "USES;LINKS" ${ARGN})
+  string(REPLACE "/" "_" name "zenka_${folder}")
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp"
+                                      "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.h")
+  if(NOT sources)
+    add_library(${name} INTERFACE)
+    return()
+  endif()
+  add_library(${name} STATIC ${sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  target_include_directories(${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
+  target_link_libraries(${name} PRIVATE zenka_warnings PUBLIC ${arg_LINKS})
+  foreach(other IN LISTS arg_USES)
+    string(REPLACE "/" "_" other "zenka_${other}")
+    target_link_libraries(${name} PUBLIC ${other})
+  endforeach()
+endfunction()
+
+# zenka_tests(folder LINKS targets...): one GoogleTest executable from tests/folder.
+function(zenka_tests folder)
+  cmake_parse_arguments(arg "" "" "LINKS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp"
+                                      "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.h")
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${folder}_tests ${sources})
+  target_include_directories(${folder}_tests PRIVATE "${CMAKE_SOURCE_DIR}/tests")
+  target_compile_definitions(${folder}_tests PRIVATE ZENKA_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+  target_link_libraries(${folder}_tests PRIVATE zenka_warnings ${arg_LINKS} GTest::gmock_main)
+  gtest_discover_tests(${folder}_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()

@@ -1,0 +1,33 @@
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+# Both only make the build quicker; it is the same without them.
+find_program(ZENKA_CCACHE ccache)
+if(ZENKA_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${ZENKA_CCACHE}")
+endif()
+find_program(ZENKA_MOLD mold)
+if(ZENKA_MOLD)
+  add_link_options(-fuse-ld=mold)
+endif()
+
+set(ZENKA_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
+if(ZENKA_SANITIZE)
+  add_compile_options(-fsanitize=${ZENKA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${ZENKA_SANITIZE})
+endif()
+
+# The contacts are promised to the last bit on every route through the code, so no fused
+# multiply-add may be formed in one place and not in another.
+add_compile_options(-ffp-contract=off)
+
+add_library(zenka_warnings INTERFACE)
+target_compile_options(zenka_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  # A record made with designated initializers names what differs from its defaults.
+  -Wno-missing-field-initializers)

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zenka::ports {
+
+/// A file that only grows. Closed with its object.
+class AppendFile {
+public:
+    virtual ~AppendFile() = default;
+
+    /// Hands the bytes to the system in one write; false when not all of them were taken.
+    virtual bool append(std::string_view bytes) = 0;
+};
+
+/// The disk. Every call may wait for it, so none belongs on the main thread during a run.
+class Files {
+public:
+    virtual ~Files() = default;
+
+    /// The whole content; nothing when it cannot be read.
+    virtual std::optional<std::string> read(const std::filesystem::path& path) = 0;
+
+    /// Writes a whole file so that a crash or a power cut leaves either the old content or the new one.
+    /// Makes missing folders.
+    virtual bool writeAtomically(const std::filesystem::path& path, std::string_view bytes) = 0;
+
+    /// Makes a new file with this content and keeps it open for appending. Makes missing folders.
+    /// Nothing when the name is taken (the file there stays as it is) or the file cannot be made.
+    virtual std::unique_ptr<AppendFile> create(const std::filesystem::path& path, std::string_view bytes) = 0;
+
+    virtual bool exists(const std::filesystem::path& path) = 0;
+
+    /// Removes a file. A missing one is no error.
+    virtual void remove(const std::filesystem::path& path) = 0;
+};
+
+} // namespace zenka::ports

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "ports/Clock.h"
+#include "ports/Files.h"
+#include "ports/FireTimer.h"
+#include "ports/Folders.h"
+#include "ports/KeepAwake.h"
+#include "ports/MainLoop.h"
+#include "ports/Settings.h"
+#include "ports/StallSampler.h"
+#include "ports/WorkQueues.h"
+
+namespace zenka::ports {
+
+/// The ports that the run engine stands on, all of which outlive it.
+struct Ports {
+    Clock& clock;
+    MainLoop& loop;
+    WorkQueues& queues;
+    FireTimer& fireTimer;
+    Settings& settings;
+    Folders& folders;
+    Files& files;
+    KeepAwake& keepAwake;
+    StallSampler& stallSampler;
+};
+
+} // namespace zenka::ports
