@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/virtual/VirtualMachine.h"
+#include "ports/Ports.h"
+
+namespace zenka::platform {
+
+/// A whole machine in virtual time, but for the disk. What stands on it runs hours in a moment.
+struct VirtualPorts {
+    VirtualPorts(base::Instant wallStart, ports::Folders& folders, ports::Files& files)
+        : time(wallStart), all{time,    loop,  queues,    fireTimer,   settings,
+                               folders, files, keepAwake, stallSampler} {}
+
+    VirtualTime time;
+    VirtualLoop loop{time};
+    VirtualWorkQueues queues{time};
+    VirtualFireTimer fireTimer{time};
+    MemorySettings settings;
+    NoKeepAwake keepAwake;
+    NoStallSampler stallSampler;
+    ports::Ports all;
+};
+
+} // namespace zenka::platform

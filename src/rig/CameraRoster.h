@@ -1,0 +1,60 @@
+#pragma once
+
+#include "base/Published.h"
+#include "cameras/CameraControl.h"
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zenka::rig {
+
+enum class CameraMode {
+    simulated, ///< the roster holds planning bodies
+    live,      ///< the roster holds real bodies
+};
+
+/// The bodies that the rig has, and which of them a script means by a token.
+class CameraRoster {
+public:
+    using Camera = std::shared_ptr<cameras::CameraControl>;
+
+    const std::vector<Camera>& cameras() const { return cameras_; }
+    const base::Published<CameraMode>& cameraMode() const { return cameraMode_; }
+
+    void add(Camera camera);
+    /// Adds a simulated body of a model.
+    Camera addPlanningCamera(const std::string& model);
+    void removeCamera(const std::string& id);
+
+    void setLabel(const cameras::CameraControl& camera, const std::string& label);
+
+    /// The user's label, else the model without its maker's prefixes.
+    std::string labelFor(const cameras::CameraControl& camera) const;
+
+    /// Whether a body answers to a token. An exact label takes the token for its body alone; else a
+    /// label or model that contains it, or is contained in it, does.
+    bool cameraMatches(const cameras::CameraControl& camera, std::string_view token) const;
+
+    /// The bodies that answer to a token, in roster order.
+    std::vector<Camera> camerasFor(std::string_view token) const;
+
+    /// Bodies that are known to be gone at this moment.
+    bool isDisconnected(const std::string& id) const { return disconnected_.contains(id); }
+
+    /// A body came, went or changed its name.
+    sigc::signal<void()>& changed() { return changed_; }
+
+private:
+    std::vector<Camera> cameras_;
+    base::Published<CameraMode> cameraMode_{CameraMode::simulated};
+    std::map<std::string, std::string> labels_; // by camera id
+    std::set<std::string> disconnected_;        // camera ids
+    int planned_ = 0;
+    sigc::signal<void()> changed_;
+};
+
+} // namespace zenka::rig

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "base/Published.h"
+#include "ports/Ports.h"
+#include "rig/CameraRoster.h"
+#include "rig/ExposureControl.h"
+#include "rig/RigLog.h"
+#include "rig/RunLogbook.h"
+#include "rig/SiteDesk.h"
+#include "rig/Transport.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace zenka::rig {
+
+/// What comes of each frame: the operator's line, the run log's row, the counters, and the signals for a
+/// body that stops answering. Main thread.
+class FireOutcomes {
+public:
+    FireOutcomes(const ports::Ports& ports, RigLog& log, const SiteDesk& site, const CameraRoster& roster,
+                 RunLogbook& logbook, const Transport& transport);
+
+    /// One frame on its way to one body.
+    struct Shot {
+        CameraRoster::Camera camera;
+        CompensatedCapture comp;
+        base::Instant firedWall;
+        std::shared_ptr<RunLog> runLog; ///< the log the frame was fired under, if any
+    };
+
+    void completed(const Shot& shot, const cameras::CaptureOutcome& outcome);
+
+    /// A frame to which no body answers.
+    void noCamera(const CompensatedCapture& comp);
+
+    /// A frame that will not be fired.
+    void logSkipped(const script::Capture& capture, const std::string& reason);
+
+    /// Warns, once a body and run, when what went to the camera is not what the script asked for.
+    void checkSentShutterMatches(double asked, const std::string& sent, bool bulb, const std::string& camera);
+
+    /// Begins a run's bookkeeping anew.
+    void reset();
+
+    /// Frames that came back ok, by camera id, and by token where no camera answered.
+    const std::map<std::string, int>& shotCounts() const { return shotCounts_; }
+    /// Frames that came back not ok, by camera id.
+    const std::map<std::string, int>& drops() const { return drops_; }
+    /// Capture::seq of the frames dropped and not made good since, by camera id.
+    const std::map<std::string, std::set<int>>& droppedSeqs() const { return droppedSeqs_; }
+    /// Short text of the last result, by camera id.
+    const std::map<std::string, std::string>& lastFire() const { return lastFire_; }
+    void setLastFire(const std::string& cameraId, std::string text);
+    const base::Published<std::optional<std::string>>& shutterMismatchWarning() const {
+        return shutterMismatchWarning_;
+    }
+
+    /// A counter or a last result changed.
+    sigc::signal<void()>& changed() { return changed_; }
+    /// A body has given three silent frames in a row.
+    sigc::signal<void(const CameraRoster::Camera&)>& flagDisconnect() { return flagDisconnect_; }
+    /// A body has left the bus, or answers but delivers nothing.
+    sigc::signal<void(const CameraRoster::Camera&)>& requestReconnect() { return requestReconnect_; }
+
+private:
+    void dropped(const Shot& shot, const cameras::CaptureOutcome& outcome, const std::string& label);
+    void delivered(const Shot& shot, const cameras::CaptureOutcome& outcome, const std::string& label);
+    void writeRow(const Shot& shot, const cameras::CaptureOutcome& outcome, const std::string& label);
+
+    const ports::Ports& ports_;
+    RigLog& log_;
+    const SiteDesk& site_;
+    const CameraRoster& roster_;
+    RunLogbook& logbook_;
+    const Transport& transport_;
+
+    std::map<std::string, int> shotCounts_;
+    std::map<std::string, int> drops_;
+    std::map<std::string, std::set<int>> droppedSeqs_;
+    std::map<std::string, std::string> lastFire_;
+    std::map<std::string, int> consecutiveFails_;   // by camera id: frames without an answer
+    std::map<std::string, double> lastFireSuccess_; // by camera id, continuous seconds, real bodies
+    std::set<std::string> shutterDivergenceWarned_; // camera labels
+    base::Published<std::optional<std::string>> shutterMismatchWarning_;
+    sigc::signal<void()> changed_;
+    sigc::signal<void(const CameraRoster::Camera&)> flagDisconnect_;
+    sigc::signal<void(const CameraRoster::Camera&)> requestReconnect_;
+};
+
+} // namespace zenka::rig

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "base/Lifeline.h"
+#include "ports/Ports.h"
+#include "rig/CameraRoster.h"
+#include "rig/FireOutcomes.h"
+
+namespace zenka::rig {
+
+/// A test shot outside the script. Main thread.
+class ManualFire {
+public:
+    ManualFire(const ports::Ports& ports, FireOutcomes& outcomes) : ports_(ports), outcomes_(outcomes) {}
+
+    /// Fires once. A body behind gphoto2 that has not handed control over yet is tried again for up to
+    /// 25 s; everything else completes as it comes.
+    void fireManual(CameraRoster::Camera camera, const cameras::Shot& shot,
+                    cameras::CameraControl::CaptureDone done);
+
+private:
+    void attempt(CameraRoster::Camera camera, const cameras::Shot& shot, double deadline,
+                 cameras::CameraControl::CaptureDone done);
+
+    const ports::Ports& ports_;
+    FireOutcomes& outcomes_;
+    base::Lifeline lifeline_;
+};
+
+} // namespace zenka::rig

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "ports/Ports.h"
+#include "rig/Announcer.h"
+#include "rig/CameraRoster.h"
+#include "rig/ExposureControl.h"
+#include "rig/FireClock.h"
+#include "rig/FireLoop.h"
+#include "rig/FireOutcomes.h"
+#include "rig/ManualFire.h"
+#include "rig/RenderPace.h"
+#include "rig/RigLog.h"
+#include "rig/RunLogbook.h"
+#include "rig/ScriptDesk.h"
+#include "rig/SiteDesk.h"
+#include "rig/SleepGuard.h"
+#include "rig/Transport.h"
+
+#include <string>
+
+namespace zenka::rig {
+
+/// The run engine: makes its parts, ties them together and gives them out. One per process; all of it
+/// belongs to the main thread. The ports outlive it.
+class RigModel {
+public:
+    RigModel(const ports::Ports& ports, std::string appVersion);
+    RigModel(const RigModel&) = delete;
+    RigModel& operator=(const RigModel&) = delete;
+
+    /// Start-up: restores selection, site and script, computes, and starts the clock.
+    void bootstrap();
+
+    /// Computes the circumstances, puts the clock at their start and compiles the script.
+    void recompute();
+
+    /// Closes what must not be lost when the process ends.
+    void handleAppWillTerminate();
+
+    /// Seconds to the next capture or cue, infinite if there is none, never negative.
+    double timeToNextEvent() const;
+
+    RigLog& log() { return log_; }
+    SiteDesk& site() { return site_; }
+    ScriptDesk& script() { return script_; }
+    CameraRoster& roster() { return roster_; }
+    RunLogbook& logbook() { return logbook_; }
+    Transport& transport() { return transport_; }
+    ExposureControl& exposure() { return exposure_; }
+    FireOutcomes& outcomes() { return outcomes_; }
+    FireLoop& fireLoop() { return fireLoop_; }
+    ManualFire& manualFire() { return manualFire_; }
+    Announcer& announcer() { return announcer_; }
+    RenderPace& renderPace() { return renderPace_; }
+    FireClock& fireClock() { return fireClock_; }
+
+private:
+    void advance(double dt);
+    void resetFiredTracking();
+    double nextDue() const;
+
+    const ports::Ports ports_;
+    RigLog log_;
+    SiteDesk site_;
+    ScriptDesk script_;
+    CameraRoster roster_;
+    RunLogbook logbook_;
+    SleepGuard sleepGuard_;
+    Transport transport_;
+    ExposureControl exposure_;
+    FireOutcomes outcomes_;
+    FireLoop fireLoop_;
+    ManualFire manualFire_;
+    Announcer announcer_;
+    RenderPace renderPace_;
+    FireClock fireClock_;
+};
+
+} // namespace zenka::rig

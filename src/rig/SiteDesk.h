@@ -1,0 +1,108 @@
+#pragma once
+
+#include "base/Lifeline.h"
+#include "base/Published.h"
+#include "eclipse/Besselian.h"
+#include "eclipse/EclipsePath.h"
+#include "eclipse/SkyCurve.h"
+#include "ports/Ports.h"
+#include "rig/RigLog.h"
+
+#include <absl/time/time.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zenka::rig {
+
+/// The site where one stands for one eclipse.
+struct Site {
+    double lat = 41.65; ///< degrees, north positive
+    double lon = -0.88; ///< degrees, east positive
+    double elev = 200;  ///< metres
+    std::string label = "Zaragoza, ES";
+    std::string tzId = "Europe/Madrid"; ///< time-zone identifier
+
+    friend bool operator==(const Site&, const Site&) = default;
+};
+
+/// The selected eclipse and site, and what the eclipse is there. The site is remembered per eclipse.
+class SiteDesk {
+public:
+    SiteDesk(const ports::Ports& ports, RigLog& log);
+
+    const std::string& eclipseId() const { return eclipseId_.get(); }
+    const eclipse::Eclipse& eclipse() const { return *eclipse_; }
+    const Site& site() const { return site_.get(); }
+    eclipse::Observer observer() const;
+
+    const base::Published<std::string>& publishedEclipseId() const { return eclipseId_; }
+    const base::Published<Site>& publishedSite() const { return site_; }
+    const base::Published<bool>& locationConfirmed() const { return locationConfirmed_; }
+    bool restoredSiteForCurrentEclipse() const { return restoredSite_; }
+
+    /// What the last recompute found.
+    const std::optional<eclipse::LocalCircumstances>& circ() const { return circ_; }
+    const std::vector<eclipse::ViewSample>& curve() const { return curve_; }
+    const std::map<std::string, double>& contactTHours() const { return contactTHours_; }
+    std::optional<eclipse::ViewSample> sampleAt(double clock) const;
+
+    /// Clock values of first and last contact; ∓7200 at a site that does not see the eclipse.
+    double tC1() const { return tC1_; }
+    double tC4() const { return tC4_; }
+
+    /// The wall instant of a clock value and back.
+    base::Instant wallAt(double clock) const;
+    double clockAt(base::Instant wall) const;
+
+    /// The site's zone, UTC if its identifier is unknown.
+    absl::TimeZone timeZone() const;
+
+    /// Takes selection, confirmation and remembered site from the settings.
+    void restore();
+
+    /// Replaces the site; recompute() follows up.
+    void setSite(Site site);
+
+    /// Takes an eclipse of the catalogue together with a site; recompute() follows up.
+    void choose(const std::string& eclipseId, Site site);
+
+    /// Changes the eclipse: with the site remembered for it, or the one that stands if it sees the
+    /// eclipse, or the point of greatest duration. An unknown id changes nothing.
+    void selectEclipse(const std::string& id);
+
+    /// Moves the site to the point of greatest duration, which is searched off the main thread.
+    void jumpToGreatestDuration(const std::optional<std::string>& reason);
+
+    /// Computes circumstances and curve anew and raises recomputed().
+    void recompute();
+
+    sigc::signal<void()>& recomputed() { return recomputed_; }
+
+private:
+    void useEclipse(const std::string& id);
+    void moveToGreatestDuration(const eclipse::DurationPoint& point,
+                                const std::optional<std::string>& reason);
+    void rememberSite();
+    bool restoreSite();
+
+    const ports::Ports& ports_;
+    RigLog& log_;
+    base::Published<std::string> eclipseId_;
+    std::shared_ptr<const eclipse::Eclipse> eclipse_;
+    base::Published<Site> site_;
+    base::Published<bool> locationConfirmed_{false};
+    bool restoredSite_ = false;
+    std::optional<eclipse::LocalCircumstances> circ_;
+    std::vector<eclipse::ViewSample> curve_;
+    std::map<std::string, double> contactTHours_;
+    double tC1_ = -7200;
+    double tC4_ = 7200;
+    sigc::signal<void()> recomputed_;
+    base::Lifeline lifeline_;
+};
+
+} // namespace zenka::rig

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "base/Published.h"
+#include "ports/Ports.h"
+#include "rig/RigLog.h"
+#include "rig/RunLogbook.h"
+#include "rig/ScriptDesk.h"
+#include "rig/SiteDesk.h"
+#include "rig/SleepGuard.h"
+
+#include <string>
+#include <string_view>
+
+namespace zenka::rig {
+
+enum class TimingMode {
+    simulated, ///< the clock runs while playing and may be moved by hand
+    live,      ///< the clock follows real time from its anchor and cannot be moved
+};
+
+/// The eclipse clock and what moves it: play, pause, jumps, arming. The clock counts seconds on the time
+/// scale of the eclipse's elements, the same as Capture::offsetSec.
+class Transport {
+public:
+    Transport(const ports::Ports& ports, RigLog& log, const SiteDesk& site, const ScriptDesk& script,
+              RunLogbook& logbook, SleepGuard& sleepGuard);
+
+    /// The clock at the last tick. What is due is decided on this value.
+    double clock() const { return clock_; }
+    /// The clock at this moment, between ticks.
+    double clockNow() const;
+
+    const base::Published<TimingMode>& timingMode() const { return timingMode_; }
+    const base::Published<bool>& playing() const { return playing_; }
+    const base::Published<std::string>& timingStatus() const { return timingStatus_; }
+    bool live() const { return timingMode_.get() == TimingMode::live; }
+    /// Whether a run is on: firing, a high tick rate, stall policing and keep-awake all follow this.
+    bool runActive() const { return live() || playing_.get(); }
+
+    /// Moves the clock on by one tick; dt in seconds counts in simulated timing only. False when the
+    /// clock stands and nothing is to be scanned.
+    bool advance(double dt);
+
+    void togglePlay();
+    /// Jumps to a contact by its key.
+    void jump(std::string_view contactKey);
+    /// Jumps to a time of day at the site, "HH:MM" or "HH:MM:SS"; false for any other text and in live.
+    bool jumpToLocalTime(std::string_view text);
+    void scrubTo(double clock);
+    void useSimulatedTiming();
+    void armRealEclipseTiming(bool force);
+
+    /// Puts a simulated clock at the start of the window of a site that has just been computed. A live
+    /// clock stays with real time.
+    void followSite();
+
+    void saveSimClock(bool force);
+    void restoreSimClock();
+
+    /// The range in which a simulated clock may stand: 30 s around the captures, else 600 s around the
+    /// contacts.
+    struct Range {
+        double first = 0;
+        double last = 0;
+    };
+    Range timeline() const;
+
+    /// The clock was moved by hand, or a run began or ended: what lies behind the clock is past.
+    sigc::signal<void()>& moved() { return moved_; }
+    /// Run active or not may have changed.
+    sigc::signal<void()>& activityChanged() { return activityChanged_; }
+    /// The clock was moved by hand to a place that views should show at once.
+    sigc::signal<void()>& shown() { return shown_; }
+
+private:
+    void setMode(TimingMode mode);
+    void setPlaying(bool playing);
+    void moveTo(double clock);
+    double liveClock() const;
+
+    const ports::Ports& ports_;
+    RigLog& log_;
+    const SiteDesk& site_;
+    const ScriptDesk& script_;
+    RunLogbook& logbook_;
+    SleepGuard& sleepGuard_;
+
+    double clock_ = 0;
+    double clockReadAt_ = 0; // uptime seconds
+    base::Published<TimingMode> timingMode_{TimingMode::simulated};
+    base::Published<bool> playing_{false};
+    base::Published<std::string> timingStatus_{"simulated clock"};
+    base::Instant liveAnchorWall_;        // corrected to the best time source
+    double liveAnchorUp_ = 0;             // continuous seconds
+    std::optional<double> lastClockSave_; // uptime seconds
+    sigc::signal<void()> moved_;
+    sigc::signal<void()> activityChanged_;
+    sigc::signal<void()> shown_;
+};
+
+} // namespace zenka::rig

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/virtual/VirtualPorts.h"
+#include "rig/RigModel.h"
+#include "support/MemoryFiles.h"
+#include "support/ScriptedCamera.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zenka::test {
+
+/// A whole rig on a virtual machine with a disk in memory. The wall clock starts an hour before the
+/// reference instant of the eclipse, so that a live run can be armed.
+class VirtualRig {
+public:
+    VirtualRig();
+
+    MemoryFiles files;
+    MemoryFolders folders;
+    platform::VirtualPorts machine;
+    rig::RigModel model;
+
+    /// Every line of the operator's log, oldest first.
+    std::vector<std::string> lines;
+
+    /// Compiles a script in the place of the one before.
+    void load(const std::string& script);
+
+    std::shared_ptr<ScriptedCamera> addBody(const std::string& label);
+
+    void run(double seconds) { machine.time.runFor(base::Seconds{seconds}); }
+
+    /// Plays from a little before a clock value. The tick rate is that of a run from then on.
+    void playFrom(double clock);
+
+    /// A line of script that fires at a clock value.
+    std::string frameAt(double offset, const std::string& camera = "CAM1");
+
+    int countLines(const std::string& part) const;
+    bool logged(const std::string& part) const { return countLines(part) > 0; }
+    /// The rows of the only CSV, split into fields (no test script has a comma in a field).
+    std::vector<std::vector<std::string>> rows() const;
+};
+
+} // namespace zenka::test
