@@ -2,8 +2,6 @@
 
 #include "base/Text.h"
 
-#include <utility>
-
 namespace zenka::rig {
 
 namespace {
@@ -20,13 +18,13 @@ bool notReadyYet(const cameras::CameraControl& camera, const cameras::CaptureOut
 
 } // namespace
 
-void ManualFire::fireManual(CameraRoster::Camera camera, const cameras::Shot& shot,
-                            cameras::CameraControl::CaptureDone done) {
-    attempt(std::move(camera), shot, ports_.clock.continuousSeconds() + patienceSec, std::move(done));
+void ManualFire::fireManual(const CameraRoster::Camera& camera, const cameras::Shot& shot,
+                            const cameras::CameraControl::CaptureDone& done) {
+    attempt(camera, shot, ports_.clock.continuousSeconds() + patienceSec, done);
 }
 
-void ManualFire::attempt(CameraRoster::Camera camera, const cameras::Shot& shot, double deadline,
-                         cameras::CameraControl::CaptureDone done) {
+void ManualFire::attempt(const CameraRoster::Camera& camera, const cameras::Shot& shot, double deadline,
+                         const cameras::CameraControl::CaptureDone& done) {
     camera->capture(
         shot, lifeline_.guard([this, camera, shot, deadline, done](const cameras::CaptureOutcome& outcome) {
             if (!notReadyYet(*camera, outcome) || ports_.clock.continuousSeconds() >= deadline) {

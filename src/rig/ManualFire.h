@@ -14,12 +14,12 @@ public:
 
     /// Fires once. A body behind gphoto2 that has not handed control over yet is tried again for up to
     /// 25 s; everything else completes as it comes.
-    void fireManual(CameraRoster::Camera camera, const cameras::Shot& shot,
-                    cameras::CameraControl::CaptureDone done);
+    void fireManual(const CameraRoster::Camera& camera, const cameras::Shot& shot,
+                    const cameras::CameraControl::CaptureDone& done);
 
 private:
-    void attempt(CameraRoster::Camera camera, const cameras::Shot& shot, double deadline,
-                 cameras::CameraControl::CaptureDone done);
+    void attempt(const CameraRoster::Camera& camera, const cameras::Shot& shot, double deadline,
+                 const cameras::CameraControl::CaptureDone& done);
 
     const ports::Ports& ports_;
     FireOutcomes& outcomes_;

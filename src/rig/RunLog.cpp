@@ -65,7 +65,7 @@ struct RunLog::Files {
 };
 
 RunLog::RunLog(const ports::Ports& ports, std::shared_ptr<ports::WorkQueue> queue, RunLogMeta meta,
-               std::string baseName)
+               const std::string& baseName)
     : clock_(ports.clock), meta_(std::move(meta)), csvPath_(ports.folders.runLogs() / (baseName + ".csv")),
       q_(std::move(queue)),
       files_(new Files{.disk = ports.files, .base = ports.folders.runLogs() / baseName, .meta = meta_}) {

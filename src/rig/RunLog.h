@@ -16,7 +16,7 @@ class RunLog {
 public:
     /// Opens the CSV under a base name, with a number added where a file has the name already.
     RunLog(const ports::Ports& ports, std::shared_ptr<ports::WorkQueue> queue, RunLogMeta meta,
-           std::string baseName);
+           const std::string& baseName);
 
     const RunLogMeta& meta() const { return meta_; }
     std::filesystem::path csvPath() const;

@@ -63,7 +63,7 @@ void RunLogbook::beginRunLog(const std::string& kind) {
 
 /// Two runs may begin within one second, and each has its own files.
 std::string RunLogbook::freshBaseName(const RunLogMeta& meta) {
-    const std::string name = RunLogFormat::baseName(meta, base::machineTimeZone());
+    std::string name = RunLogFormat::baseName(meta, base::machineTimeZone());
     if (std::exchange(lastBaseName_, name) != name) {
         sameNames_ = 1;
         return name;
@@ -92,6 +92,7 @@ void RunLogbook::endRunLog(bool completed, bool) {
             labels.insert(label);
     }
     std::vector<BodyTally> bodies;
+    bodies.reserve(labels.size());
     for (const std::string& label : labels)
         bodies.push_back({.label = label, .ok = runOK_[label], .dropped = runDropped_[label]});
     const auto asymmetry = dropAsymmetryHint(bodies);

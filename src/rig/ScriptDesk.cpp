@@ -22,10 +22,6 @@ constexpr char starterScript[] =
     "\n"
     "TAKEPIC,MAX,+,00:00.0,CAM1,1/250,8.0,200,0.000,RAW,None,N,Inner corona at maximum";
 
-std::string lastComponent(const std::string& path) {
-    return std::filesystem::path(path).filename().string();
-}
-
 } // namespace
 
 ScriptDesk::ScriptDesk(const ports::Ports& ports, SiteDesk& site) : ports_(ports), site_(site) {
@@ -34,23 +30,18 @@ ScriptDesk::ScriptDesk(const ports::Ports& ports, SiteDesk& site) : ports_(ports
 void ScriptDesk::restore() {
     const auto saved = ports_.settings.text(settingsKeys::scriptText);
     const auto defaultPath = ports_.settings.text(settingsKeys::defaultScriptPath);
-    const auto defaultText = defaultPath ? readScript(*defaultPath) : std::nullopt;
     const auto savedName = ports_.settings.text(settingsKeys::scriptName).value_or("Untitled");
+    const auto recent = recentScripts();
 
-    if (defaultText) {
-        load(*defaultText, lastComponent(*defaultPath));
+    if (defaultPath && loadFile(*defaultPath)) {
+        // the user's own choice for each start
     } else if (saved && !base::trimmed(*saved).empty()) {
         load(*saved, savedName);
+    } else if (!recent.empty() && loadFile(recent.front())) {
+        noteRecent(recent.front());
+        ports_.settings.setText(settingsKeys::scriptText, scriptText_.get());
     } else {
-        const auto recent = recentScripts();
-        const auto recentText = recent.empty() ? std::nullopt : readScript(recent.front());
-        if (recentText) {
-            load(*recentText, lastComponent(recent.front()));
-            noteRecent(recent.front());
-            ports_.settings.setText(settingsKeys::scriptText, *recentText);
-        } else {
-            load(starterScript, savedName);
-        }
+        load(starterScript, savedName);
     }
     if (!saved && !ports_.settings.flag(settingsKeys::welcomeSeen).value_or(false))
         showWelcome_.set(true);
@@ -99,9 +90,13 @@ void ScriptDesk::compile() {
     compiled_.emit();
 }
 
-std::optional<std::string> ScriptDesk::readScript(const std::string& path) const {
+bool ScriptDesk::loadFile(const std::string& path) {
     const auto bytes = ports_.files.read(path);
-    return bytes ? base::utf8Text(*bytes) : std::nullopt;
+    auto text = bytes ? base::utf8Text(*bytes) : std::nullopt;
+    if (!text)
+        return false;
+    load(*std::move(text), std::filesystem::path(path).filename().string());
+    return true;
 }
 
 std::vector<std::string> ScriptDesk::recentScripts() const {

@@ -59,7 +59,8 @@ public:
     sigc::signal<void()>& compiled() { return compiled_; }
 
 private:
-    std::optional<std::string> readScript(const std::string& path) const;
+    /// False, and nothing changed, when the file cannot be read as UTF-8.
+    bool loadFile(const std::string& path);
     std::vector<std::string> recentScripts() const;
     void noteRecent(const std::string& path);
 

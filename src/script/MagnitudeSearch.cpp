@@ -43,11 +43,12 @@ std::optional<double> MagnitudeSearch::bisect(double target) {
     std::size_t node = 1;
     for (int round = 0; round < mostRounds; ++round) {
         const double middle = (lo + hi) / 2;
-        double magnitude = 0;
-        if (node >= keptNodes)
+        double magnitude = node < keptNodes ? middles_[node] : std::numeric_limits<double>::quiet_NaN();
+        if (std::isnan(magnitude)) {
             magnitude = magnitudeAt(middle);
-        else if (std::isnan(magnitude = middles_[node]))
-            magnitude = middles_[node] = magnitudeAt(middle);
+            if (node < keptNodes)
+                middles_[node] = magnitude;
+        }
         const double value = magnitude - target;
         if (std::abs(value) < magnitudeTolerance || hi - lo < hoursTolerance)
             return middle;

@@ -36,9 +36,12 @@ public:
         : lines_(text), limits_(limits), diagnostics_(diagnostics) {}
 
     std::vector<Node> run() {
-        while (const auto line = lines_.next())
-            if (!line->empty() && !line->starts_with('#'))
-                readLine(*line);
+        while (true) {
+            const std::optional<std::string_view> line = lines_.next();
+            if (!line)
+                break;
+            readLine(*line);
+        }
         while (!open_.empty())
             close();
         return std::move(top_);
@@ -51,6 +54,8 @@ private:
     };
 
     void readLine(std::string_view line) {
+        if (line.empty() || line.starts_with('#'))
+            return;
         const Fields fields = splitFields(line);
         const std::string command = base::uppered(fields.front());
         if (command == "ENDFOR") {

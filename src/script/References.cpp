@@ -121,8 +121,9 @@ std::optional<double> References::clockTime(const std::string& head, const Piece
                                             std::string_view reference, int lineNo) {
     if (head == "L" && !siteZone_)
         siteZone_ = base::timeZoneOrUtc(context_.tzId);
+    const absl::TimeZone utc = absl::UTCTimeZone();
     const auto seconds = absoluteOffsetSeconds(arguments, context_.eclipse.utc(0),
-                                               head == "L" ? *siteZone_ : absl::UTCTimeZone());
+                                               head == "L" ? siteZone_.value_or(utc) : utc);
     if (!seconds)
         diagnostics_.error(lineNo, absl::StrFormat("%s needs a time in the SAME field, e.g. '%s 18:32' or "
                                                    "'%s 18:32:05'. Got '%s', line skipped.",
@@ -180,11 +181,16 @@ std::optional<double> absoluteOffsetSeconds(const std::vector<std::string_view>&
     int day = here.day();
     if (dated) {
         const auto date = base::splitPieces(clock[0], '-');
-        const auto part = [&date](std::size_t i) { return base::readInteger(date[i]); };
-        if (date.size() == 3 && part(0) && part(1) && part(2)) {
-            year = *part(0);
-            month = *part(1);
-            day = *part(2);
+        const auto part = [&date](std::size_t i) {
+            return date.size() == 3 ? base::readInteger(date[i]) : std::nullopt;
+        };
+        const auto givenYear = part(0);
+        const auto givenMonth = part(1);
+        const auto givenDay = part(2);
+        if (givenYear && givenMonth && givenDay) {
+            year = *givenYear;
+            month = *givenMonth;
+            day = *givenDay;
         }
     }
     // Hours past 23 and the like run over into the next day.
