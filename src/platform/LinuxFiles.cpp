@@ -1,0 +1,196 @@
+#include "platform/LinuxFiles.h"
+
+#include "platform/Descriptor.h"
+
+#include <absl/strings/str_format.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace zenka::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool writeFully(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR)
+            return false;
+        if (written > 0)
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+bool syncFile(int file) {
+    // some file systems of folders and devices know no syncing; that is no failure
+    return ::fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+fs::path folderOf(const fs::path& path) {
+    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+void syncFolder(const fs::path& folder) {
+    const Descriptor handle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (handle)
+        syncFile(handle.get());
+}
+
+/// A new file under a hidden name, gone again with its object unless it was renamed.
+class TemporaryFile {
+public:
+    explicit TemporaryFile(const fs::path& folder) {
+        static std::atomic<unsigned> counter{0};
+        for (int attempt = 0; attempt < 100 && !handle_; ++attempt) {
+            // the file's own name is left out: a long one would not fit with an addition
+            path_ = folder / absl::StrFormat(".zenka-%d-%u", ::getpid(), counter++);
+            handle_ =
+                Descriptor(::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+            if (!handle_ && errno != EEXIST)
+                break;
+        }
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
+        if (!path_.empty())
+            ::unlink(path_.c_str());
+    }
+
+    Descriptor& handle() { return handle_; }
+    bool fill(std::string_view bytes) {
+        return handle_ && writeFully(handle_.get(), bytes) && syncFile(handle_.get());
+    }
+    bool renameOver(const fs::path& target) {
+        if (::rename(path_.c_str(), target.c_str()) != 0)
+            return false;
+        path_.clear();
+        return true;
+    }
+
+    enum class Placing { done, taken, impossible };
+    Placing placeAt(const fs::path& target) {
+        if (::renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
+            path_.clear();
+            return Placing::done;
+        }
+        if (errno == EEXIST)
+            return Placing::taken;
+        if (::link(path_.c_str(), target.c_str()) == 0)
+            return Placing::done;
+        return errno == EEXIST ? Placing::taken : Placing::impossible;
+    }
+
+private:
+    fs::path path_;
+    Descriptor handle_;
+};
+
+class LinuxAppendFile final : public ports::AppendFile {
+public:
+    explicit LinuxAppendFile(Descriptor handle) : handle_(std::move(handle)) {}
+
+    bool append(std::string_view bytes) override {
+        ssize_t written = 0;
+        do {
+            written = ::write(handle_.get(), bytes.data(), bytes.size());
+        } while (written < 0 && errno == EINTR);
+        return written >= 0 && static_cast<std::size_t>(written) == bytes.size();
+    }
+
+private:
+    Descriptor handle_;
+};
+
+bool makeFolder(const fs::path& folder) {
+    std::error_code fault;
+    fs::create_directories(folder, fault);
+    return fs::is_directory(folder, fault);
+}
+
+} // namespace
+
+std::optional<std::string> LinuxFiles::read(const fs::path& path) {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status {};
+    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    std::string content;
+    content.reserve(static_cast<std::size_t>(status.st_size));
+    std::array<char, 65536> piece{};
+    for (;;) {
+        const ssize_t got = ::read(file.get(), piece.data(), piece.size());
+        if (got == 0)
+            return content;
+        if (got > 0)
+            content.append(piece.data(), static_cast<std::size_t>(got));
+        else if (errno != EINTR)
+            return std::nullopt;
+    }
+}
+
+bool LinuxFiles::writeAtomically(const fs::path& path, std::string_view bytes) {
+    std::error_code fault;
+    fs::path target = path;
+    if (fs::is_symlink(path, fault)) {
+        target = fs::weakly_canonical(path, fault);
+        if (fault)
+            return false;
+    }
+    const fs::path folder = folderOf(target);
+    if (!makeFolder(folder))
+        return false;
+    TemporaryFile temporary(folder);
+    if (!temporary.handle())
+        return false;
+    struct stat existing {};
+    if (::stat(target.c_str(), &existing) == 0)
+        std::ignore =
+            ::fchmod(temporary.handle().get(), existing.st_mode & 07777); // where the disk knows modes
+    if (!temporary.fill(bytes) || !temporary.handle().close() || !temporary.renameOver(target))
+        return false;
+    syncFolder(folder);
+    return true;
+}
+
+std::unique_ptr<ports::AppendFile> LinuxFiles::create(const fs::path& path, std::string_view bytes) {
+    const fs::path folder = folderOf(path);
+    if (!makeFolder(folder))
+        return nullptr;
+    TemporaryFile temporary(folder);
+    if (!temporary.fill(bytes))
+        return nullptr;
+    Descriptor handle;
+    switch (temporary.placeAt(path)) {
+    case TemporaryFile::Placing::done: handle = std::move(temporary.handle()); break;
+    case TemporaryFile::Placing::taken: return nullptr;
+    case TemporaryFile::Placing::impossible:
+        handle = Descriptor(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        if (!handle)
+            return nullptr;
+        if (!writeFully(handle.get(), bytes) || !syncFile(handle.get())) {
+            ::unlink(path.c_str());
+            return nullptr;
+        }
+    }
+    syncFolder(folder);
+    return std::make_unique<LinuxAppendFile>(std::move(handle));
+}
+
+bool LinuxFiles::exists(const fs::path& path) {
+    std::error_code fault;
+    return fs::exists(path, fault);
+}
+
+void LinuxFiles::remove(const fs::path& path) {
+    ::unlink(path.c_str());
+}
+
+} // namespace zenka::platform

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/LinuxClock.h"
+#include "platform/LinuxFiles.h"
+#include "platform/LinuxFireTimer.h"
+#include "platform/LinuxKeepAwake.h"
+#include "platform/LinuxStallSampler.h"
+#include "platform/QtMainLoop.h"
+#include "platform/ThreadWorkQueues.h"
+#include "ports/Ports.h"
+
+namespace zenka::platform {
+
+/// The machine as it is, but for the user's settings and folders, which the caller gives. Made on the
+/// main thread behind a QCoreApplication.
+class LinuxPorts {
+public:
+    LinuxPorts(ports::Settings& settings, ports::Folders& folders)
+        : all{clock, loop, queues, fireTimer, settings, folders, files, keepAwake, stallSampler} {}
+
+    LinuxClock clock;
+    QtMainLoop loop;
+    LinuxFiles files;
+    ThreadWorkQueues queues;
+    LinuxFireTimer fireTimer;
+    LinuxKeepAwake keepAwake;
+    LinuxStallSampler stallSampler;
+    ports::Ports all;
+};
+
+} // namespace zenka::platform
