@@ -1,0 +1,47 @@
+#include "cli/Switches.h"
+
+#include "cli/CompileFile.h"
+#include "cli/Rehearse.h"
+#include "cli/Validate.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace zenka::cli {
+
+namespace {
+
+using Values = std::span<const std::string>;
+
+/// A switch takes the values behind it, and is passed over when they are fewer than it needs.
+struct Switch {
+    std::string_view name;
+    std::size_t needs;
+    void (*run)(Values values);
+};
+
+// The order is fixed: of several switches given, the first of this table is run.
+constexpr std::array<Switch, 3> switches{{
+    {"--validate", 0, [](Values) { runValidation(); }},
+    {"--compile", 1, [](Values values) { compileFile(values[0]); }},
+    {"--rehearse", 1, [](Values values) { rehearse(values[0], values.subspan(1)); }},
+}};
+
+} // namespace
+
+bool runSwitch(std::span<const std::string> arguments) {
+    for (const Switch& known : switches) {
+        const auto found = std::ranges::find(arguments, known.name);
+        if (found == arguments.end())
+            continue;
+        const Values values = arguments.subspan(static_cast<std::size_t>(found - arguments.begin()) + 1);
+        if (values.size() < known.needs)
+            continue;
+        known.run(values);
+        return true;
+    }
+    return false;
+}
+
+} // namespace zenka::cli

@@ -1,0 +1,169 @@
+#include "support/Child.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace fs = std::filesystem;
+using zenka::test::Child;
+
+namespace {
+
+struct Switches : testing::Test {
+    fs::path home;
+
+    void SetUp() override {
+        std::string name = fs::temp_directory_path() / "zenka o'home XXXXXX";
+        ASSERT_NE(mkdtemp(name.data()), nullptr);
+        home = name;
+    }
+    void TearDown() override { fs::remove_all(home); }
+
+    struct Result {
+        std::string output;
+        int status = 0;
+    };
+
+    Result zenka(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), ZENKA_EXECUTABLE);
+        Child child(arguments, {"HOME=" + home.string(), "XDG_CONFIG_HOME=", "TZ=UTC"});
+        std::string output = child.readRest();
+        return {std::move(output), child.wait()};
+    }
+
+    std::string file(const std::string& name, const std::string& text) const {
+        std::ofstream(home / name) << text;
+        return home / name;
+    }
+};
+
+std::string lastLine(const std::string& text) {
+    const auto end = text.find_last_not_of('\n');
+    const auto begin = text.rfind('\n', end);
+    return text.substr(begin + 1, end - begin);
+}
+
+} // namespace
+
+TEST_F(Switches, validatePrintsTheEngineBesideItsReferences) {
+    const Result result = zenka({"--validate"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "Validating: Total Solar Eclipse of 2024 April 08\n"
+                             "\n"
+                             "Dallas, TX\n"
+                             "  total=true mag=1.0149 obsc=1.000 totality=231.5s\n"
+                             "  C2 18:40:43 UT (ref 18:40:43)  alt 64° az 186°\n"
+                             "  C3 18:44:34 UT (ref 18:44:31)\n"
+                             "  sunrise 12:05:15 UT  sunset 00:52:54 UT\n"
+                             "\n"
+                             "Carbondale, IL\n"
+                             "  total=true mag=1.0262 obsc=1.000 totality=248.4s\n"
+                             "  C2 18:59:17 UT (ref 18:59:25)  alt 56° az 208°\n"
+                             "  C3 19:03:25 UT (ref 19:03:33)\n"
+                             "  sunrise 11:30:43 UT  sunset 00:26:53 UT\n"
+                             "\n"
+                             "Cleveland, OH\n"
+                             "  total=true mag=1.0219 obsc=1.000 totality=228.9s\n"
+                             "  C2 19:13:46 UT (ref 19:13:46)  alt 48° az 221°\n"
+                             "  C3 19:17:34 UT (ref 19:17:36)\n"
+                             "  sunrise 10:57:01 UT  sunset 00:00:31 UT\n"
+                             "\n"
+                             "Script compile: 999 captures, 1 diagnostics, cameras=[\"G9M2\"]\n"
+                             "  first off=-944.8s (Pre 0.1%), last off=3624.6s (C2 −2s)\n");
+}
+
+TEST_F(Switches, compilePrintsBothEndsOfTheScript) {
+    const std::string script =
+        file("a script.zenka", "TAKEPIC,C2,+,00:01,CAM1,BULB,AUTO,AUTO,0,RAW,None,N,one\n"
+                               "TAKEPIC,C2,+,00:02,CAM2,1/500,5.6,200,0,RAW,None,N,two\n"
+                               "nonsense\n");
+    const Result result = zenka({"--compile", script});
+    EXPECT_EQ(result.status, 0);
+    const std::string both = "   #1    18:59:18.1  CAM1  ISO0    f/0 BULB  : one\n"
+                             "   #2    18:59:19.1  CAM2  ISO200  f/5.6 1/500  : two\n";
+    EXPECT_EQ(result.output, "Compiled " + script +
+                                 "\n"
+                                 "  2 captures · cameras=[\"CAM1\", \"CAM2\"] · 1 diagnostics\n"
+                                 "  first 5 and last 3 captures (absolute UTC at Carbondale):\n" +
+                                 both + both + "   L3 warning: unknown command 'nonsense'\n");
+    EXPECT_EQ(zenka({"--compile", "/no/such/file"}).output, "cannot read /no/such/file\n");
+    const std::string latin1 = file("latin1.zenka", "# caf\xE9\n");
+    EXPECT_EQ(zenka({"--compile", latin1}).output, "cannot read " + latin1 + "\n");
+}
+
+TEST_F(Switches, theOrderIsTheTablesAndAMissingValueFallsThrough) {
+    EXPECT_TRUE(zenka({"--compile", "--validate"}).output.starts_with("Validating: "))
+        << "--validate comes first";
+    EXPECT_TRUE(zenka({"x", "--rehearse", "nothing", "--compile", "nowhere"})
+                    .output.starts_with("cannot read nowhere"));
+    EXPECT_EQ(zenka({"--compile"}).output, "") << "starts the application";
+    EXPECT_EQ(zenka({"--validated"}).output, "") << "exact comparison";
+    EXPECT_EQ(zenka({"--rehearse"}).output, "");
+}
+
+TEST_F(Switches, rehearsalsOfTheExamplesFireEveryFrame) {
+    struct Case {
+        const char* script;
+        std::vector<std::string> place;
+    };
+    const std::vector<Case> cases{
+        {"total-two-bodies.zenka", {}},
+        {"annular-solar-filter.zenka",
+         {"2027-02-06", "-37.85", "-58.26", "100", "America/Argentina/Buenos_Aires"}},
+        {"partial-timelapse.zenka", {"2026-08-12", "48.857", "2.352", "35", "Europe/Paris"}},
+    };
+    int examples = 0;
+    for (const auto& entry : fs::directory_iterator(fs::path(ZENKA_SOURCE_DIR) / "examples"))
+        examples += entry.path().extension() == ".zenka";
+    EXPECT_EQ(examples, static_cast<int>(cases.size())) << "each example is rehearsed";
+    for (const Case& example : cases) {
+        std::vector<std::string> arguments{"--rehearse",
+                                           fs::path(ZENKA_SOURCE_DIR) / "examples" / example.script};
+        arguments.insert(arguments.end(), example.place.begin(), example.place.end());
+        const Result result = zenka(arguments);
+        EXPECT_EQ(result.status, 0);
+        const std::string last = lastLine(result.output);
+        EXPECT_EQ(result.output.find("warning:"), std::string::npos) << result.output;
+        EXPECT_EQ(result.output.find("error:"), std::string::npos) << result.output;
+        EXPECT_TRUE(last.starts_with("Rehearsed ")) << last;
+        EXPECT_NE(last.find(", 0 dropped, 0 skipped. Largest lateness 0.0 ms. Run log: "), std::string::npos)
+            << last;
+        const std::string csv = last.substr(last.find("Run log: ") + 9);
+        EXPECT_TRUE(fs::exists(csv)) << csv;
+        EXPECT_TRUE(fs::exists(fs::path(csv).replace_extension(".json")));
+    }
+}
+
+TEST_F(Switches, aRehearsalTakesTheGivenPlaceAndSaysWhatIsWrongWithOne) {
+    const std::string script = file("s.zenka", "TAKEPIC,MAX,+,00:00,CAM1,1/500,8,100,0,RAW,None,N,x\n"
+                                               "COMMAND,MAX,-,00:10, , , , , , , , ,Lights;touch " +
+                                                   (home / "ran").string() + "\n");
+    const Result result = zenka({"--rehearse", script, "2027-08-02", "25.7", "32.6", "80", "Africa/Cairo"});
+    EXPECT_NE(result.output.find("Total Solar Eclipse of 2027 August 02"), std::string::npos)
+        << result.output;
+    EXPECT_NE(result.output.find("13:05:"), std::string::npos) << "the site's local time";
+    EXPECT_TRUE(lastLine(result.output).starts_with("Rehearsed 1 captures on 1 bodies: 1 frames ok"));
+    EXPECT_NE(result.output.find("⚙︎ MAX −10s: Lights"), std::string::npos);
+    EXPECT_FALSE(fs::exists(home / "ran")) << "a rehearsal runs no commands";
+
+    const auto fault = [&](const std::vector<std::string>& place) {
+        std::vector<std::string> arguments{"--rehearse", script};
+        arguments.insert(arguments.end(), place.begin(), place.end());
+        return zenka(arguments).output;
+    };
+    EXPECT_TRUE(fault({"1999-08-11", "1", "2", "3", "UTC"}).starts_with("no eclipse \"1999-08-11\""));
+    EXPECT_TRUE(fault({"2027-08-02", "91", "2", "3", "UTC"}).starts_with("cannot read the latitude \"91\""));
+    EXPECT_TRUE(fault({"2027-08-02", "1", "x", "3", "UTC"}).starts_with("cannot read the longitude"));
+    EXPECT_TRUE(fault({"2027-08-02", "1", "2", "3", "Egypt/Luxor"}).starts_with("unknown time zone"));
+    EXPECT_EQ(zenka({"--rehearse", "/no/such"}).output, "cannot read /no/such\n");
+}
+
+TEST_F(Switches, aRehearsalWhoseLogCannotBeWrittenStillRuns) {
+    const std::string script = file("s.zenka", "TAKEPIC,MAX,+,00:00,CAM1,1/500,8,100,0,RAW,None,N,x\n");
+    file("Documents", "a file where the folder should be");
+    const std::string last = lastLine(zenka({"--rehearse", script}).output);
+    EXPECT_TRUE(last.starts_with("Rehearsed 1 captures on 1 bodies: 1 frames ok")) << last;
+    EXPECT_NE(last.find("Run log: none, cannot write to "), std::string::npos) << last;
+}
