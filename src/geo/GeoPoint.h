@@ -1,0 +1,19 @@
+#pragma once
+
+namespace zenka::geo {
+
+/// Degrees, north and east positive; longitude from -180 to 180.
+struct GeoPoint {
+    double lat = 0;
+    double lon = 0;
+
+    bool operator==(const GeoPoint&) const = default;
+};
+
+/// A longitude of any turn, in -180 up to and without 180; 180 itself stays.
+double wrappedLongitude(double lon);
+
+/// Along the great circle of a sphere of 6371 km.
+double distanceKm(const GeoPoint& a, const GeoPoint& b);
+
+} // namespace zenka::geo
