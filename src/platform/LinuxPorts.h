@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/BundledPlaceLookup.h"
 #include "platform/LinuxClock.h"
 #include "platform/LinuxFiles.h"
 #include "platform/LinuxFireTimer.h"
@@ -16,7 +17,7 @@ namespace zenka::platform {
 class LinuxPorts {
 public:
     LinuxPorts(ports::Settings& settings, ports::Folders& folders)
-        : all{clock, loop, queues, fireTimer, settings, folders, files, keepAwake, stallSampler} {}
+        : all{clock, loop, queues, fireTimer, settings, folders, files, keepAwake, stallSampler, places} {}
 
     LinuxClock clock;
     QtMainLoop loop;
@@ -25,6 +26,7 @@ public:
     LinuxFireTimer fireTimer;
     LinuxKeepAwake keepAwake;
     LinuxStallSampler stallSampler;
+    BundledPlaceLookup places;
     ports::Ports all;
 };
 

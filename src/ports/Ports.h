@@ -6,6 +6,7 @@
 #include "ports/Folders.h"
 #include "ports/KeepAwake.h"
 #include "ports/MainLoop.h"
+#include "ports/PlaceLookup.h"
 #include "ports/Settings.h"
 #include "ports/StallSampler.h"
 #include "ports/WorkQueues.h"
@@ -23,6 +24,7 @@ struct Ports {
     Files& files;
     KeepAwake& keepAwake;
     StallSampler& stallSampler;
+    PlaceLookup& places;
 };
 
 } // namespace zenka::ports

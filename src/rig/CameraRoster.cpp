@@ -46,8 +46,11 @@ void CameraRoster::setLabel(const cameras::CameraControl& camera, const std::str
 std::string CameraRoster::labelFor(const cameras::CameraControl& camera) const {
     if (const auto label = labels_.find(camera.id()); label != labels_.end())
         return label->second;
-    const std::string bare =
-        base::replacedAll(base::replacedAll(camera.model(), "Panasonic ", ""), "DC-", "");
+    return bareModel(camera.model());
+}
+
+std::string CameraRoster::bareModel(const std::string& model) {
+    const std::string bare = base::replacedAll(base::replacedAll(model, "Panasonic ", ""), "DC-", "");
     return std::string(base::trimmed(bare));
 }
 
@@ -61,9 +64,9 @@ bool CameraRoster::cameraMatches(const cameras::CameraControl& camera, std::stri
     if (owned)
         return false;
     const std::string model = base::lowered(camera.model());
-    const std::string bareModel = base::replacedAll(base::replacedAll(model, "panasonic ", ""), "dc-", "");
+    const std::string bare = base::replacedAll(base::replacedAll(model, "panasonic ", ""), "dc-", "");
     return containsText(label, wanted) || containsText(wanted, label) || containsText(model, wanted) ||
-           containsText(wanted, bareModel);
+           containsText(wanted, bare);
 }
 
 std::vector<CameraRoster::Camera> CameraRoster::camerasFor(std::string_view token) const {

@@ -32,7 +32,10 @@ public:
 
     void setLabel(const cameras::CameraControl& camera, const std::string& label);
 
-    /// The user's label, else the model without its maker's prefixes.
+    /// A model without its maker's prefixes.
+    static std::string bareModel(const std::string& model);
+
+    /// The user's label, else the bare model.
     std::string labelFor(const cameras::CameraControl& camera) const;
 
     /// Whether a body answers to a token. An exact label takes the token for its body alone; else a

@@ -114,8 +114,11 @@ void FireLoop::fireOne(const CameraRoster::Camera& camera, const CompensatedCapt
     const script::Capture& capture = comp.capture;
     if (capture.forceFullExposure)
         camera->forceFullExposureNextFrame();
-    const FireOutcomes::Shot shot{
-        .camera = camera, .comp = comp, .firedWall = ports_.clock.now(), .runLog = runLog};
+    const FireOutcomes::Shot shot{.camera = camera,
+                                  .comp = comp,
+                                  .firedWall = ports_.clock.now(),
+                                  .runLog = runLog,
+                                  .resultsEra = outcomes_.resultsEra()};
     logbook_.lateness().note((transport_.clockNow() - dueClock) * 1000);
     camera->capture({.iso = capture.iso,
                      .aperture = capture.aperture,
@@ -136,10 +139,10 @@ void FireLoop::later(double delay, std::function<void()> fire) {
 }
 
 void FireLoop::resetFiredTracking() {
-    outcomes_.reset();
     const auto& offsets = script_.captureOffsets();
     const double clock = transport_.clock();
     const auto past = std::ranges::upper_bound(offsets, clock) - offsets.begin();
+    outcomes_.reset(static_cast<int>(past));
     cursor_ = static_cast<std::size_t>(past);
     firedCount_.set(static_cast<int>(past));
     skippedCount_.set(0);

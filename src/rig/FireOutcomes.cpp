@@ -59,6 +59,8 @@ void FireOutcomes::completed(const Shot& shot, const cameras::CaptureOutcome& ou
     else
         dropped(shot, outcome, label);
     writeRow(shot, outcome, label);
+    if (shot.resultsEra == resultsEra_)
+        note(shot.comp.capture, outcome.ok ? FrameResult::fired : FrameResult::dropped);
     checkSentShutterMatches(shot.comp.capture.shutterSec, outcome.sentShutter, shot.comp.capture.bulb, label);
     changed_.emit();
 }
@@ -134,6 +136,7 @@ void FireOutcomes::noCamera(const CompensatedCapture& comp) {
         entry.result = "no-camera";
         runLog->log(std::move(entry), site_.timeZone());
     }
+    note(capture, FrameResult::noCamera);
     changed_.emit();
 }
 
@@ -153,6 +156,12 @@ void FireOutcomes::logSkipped(const script::Capture& capture, const std::string&
             runLog->log(std::move(entry), site_.timeZone());
     }
     log_.pushLog("⏭ SKIPPED (not fired): " + capture.camera + "  " + capture.refLabel + "  — " + reason);
+    note(capture, FrameResult::skipped);
+}
+
+void FireOutcomes::note(const script::Capture& capture, FrameResult result) {
+    if (results_.note(capture.camera, capture.seq, result))
+        resultNoted_.emit(capture.camera, capture.seq);
 }
 
 void FireOutcomes::checkSentShutterMatches(double asked, const std::string& sent, bool bulb,
@@ -179,9 +188,17 @@ void FireOutcomes::checkSentShutterMatches(double asked, const std::string& sent
     shutterMismatchWarning_.set(message);
 }
 
-void FireOutcomes::reset() {
+void FireOutcomes::reset(int pastCaptures) {
     shutterDivergenceWarned_.clear();
     shutterMismatchWarning_.set(std::nullopt);
+    results_.forgetFrom(pastCaptures + 1);
+    resultsCleared_.emit();
+}
+
+void FireOutcomes::clearResults() {
+    results_.clear();
+    ++resultsEra_;
+    resultsCleared_.emit();
 }
 
 void FireOutcomes::setLastFire(const std::string& cameraId, std::string text) {

@@ -4,6 +4,7 @@
 #include "ports/Ports.h"
 #include "rig/CameraRoster.h"
 #include "rig/ExposureControl.h"
+#include "rig/FrameRecord.h"
 #include "rig/RigLog.h"
 #include "rig/RunLogbook.h"
 #include "rig/SiteDesk.h"
@@ -30,6 +31,7 @@ public:
         CompensatedCapture comp;
         base::Instant firedWall;
         std::shared_ptr<RunLog> runLog; ///< the log the frame was fired under, if any
+        int resultsEra = 0;             ///< resultsEra() when it was fired
     };
 
     void completed(const Shot& shot, const cameras::CaptureOutcome& outcome);
@@ -43,8 +45,11 @@ public:
     /// Warns, once a body and run, when what went to the camera is not what the script asked for.
     void checkSentShutterMatches(double asked, const std::string& sent, bool bulb, const std::string& camera);
 
-    /// Begins a run's bookkeeping anew.
-    void reset();
+    /// Begins the bookkeeping anew from a clock value that leaves this many captures behind it.
+    void reset(int pastCaptures);
+
+    /// Forgets every frame's result: another run begins, or another script stands.
+    void clearResults();
 
     /// Frames that came back ok, by camera id, and by token where no camera answered.
     const std::map<std::string, int>& shotCounts() const { return shotCounts_; }
@@ -52,6 +57,10 @@ public:
     const std::map<std::string, int>& drops() const { return drops_; }
     /// Capture::seq of the frames dropped and not made good since, by camera id.
     const std::map<std::string, std::set<int>>& droppedSeqs() const { return droppedSeqs_; }
+    /// What came of each frame since the run began or the script was compiled.
+    const FrameRecord& results() const { return results_; }
+    /// Counts up when the results are cleared, so that a late answer is not taken for another run's.
+    int resultsEra() const { return resultsEra_; }
     /// Short text of the last result, by camera id.
     const std::map<std::string, std::string>& lastFire() const { return lastFire_; }
     void setLastFire(const std::string& cameraId, std::string text);
@@ -61,6 +70,10 @@ public:
 
     /// A counter or a last result changed.
     sigc::signal<void()>& changed() { return changed_; }
+    /// results() has something new for a camera token and a Capture::seq.
+    sigc::signal<void(const std::string&, int)>& resultNoted() { return resultNoted_; }
+    /// results() has lost some or all.
+    sigc::signal<void()>& resultsCleared() { return resultsCleared_; }
     /// A body has given three silent frames in a row.
     sigc::signal<void(const CameraRoster::Camera&)>& flagDisconnect() { return flagDisconnect_; }
     /// A body has left the bus, or answers but delivers nothing.
@@ -69,6 +82,7 @@ public:
 private:
     void dropped(const Shot& shot, const cameras::CaptureOutcome& outcome, const std::string& label);
     void delivered(const Shot& shot, const cameras::CaptureOutcome& outcome, const std::string& label);
+    void note(const script::Capture& capture, FrameResult result);
     void writeRow(const Shot& shot, const cameras::CaptureOutcome& outcome, const std::string& label);
 
     const ports::Ports& ports_;
@@ -82,11 +96,15 @@ private:
     std::map<std::string, int> drops_;
     std::map<std::string, std::set<int>> droppedSeqs_;
     std::map<std::string, std::string> lastFire_;
+    FrameRecord results_;
+    int resultsEra_ = 0;
     std::map<std::string, int> consecutiveFails_;   // by camera id: frames without an answer
     std::map<std::string, double> lastFireSuccess_; // by camera id, continuous seconds, real bodies
     std::set<std::string> shutterDivergenceWarned_; // camera labels
     base::Published<std::optional<std::string>> shutterMismatchWarning_;
     sigc::signal<void()> changed_;
+    sigc::signal<void(const std::string&, int)> resultNoted_;
+    sigc::signal<void()> resultsCleared_;
     sigc::signal<void(const CameraRoster::Camera&)> flagDisconnect_;
     sigc::signal<void(const CameraRoster::Camera&)> requestReconnect_;
 };

@@ -1,14 +1,14 @@
 #include "rig/RigModel.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace zenka::rig {
 
-RigModel::RigModel(const ports::Ports& ports, std::string appVersion)
-    : ports_(ports), log_(ports_.loop), site_(ports_, log_), script_(ports_, site_),
-      logbook_(ports_, log_, site_, roster_, std::move(appVersion)), sleepGuard_(ports_.keepAwake, log_),
-      transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
+RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion)
+    : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
+      script_(ports_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
+      sleepGuard_(ports_.keepAwake, log_), transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
+      keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion),
       outcomes_(ports_, log_, site_, roster_, logbook_, transport_),
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
       manualFire_(ports_, outcomes_), announcer_(log_, script_),
@@ -19,17 +19,31 @@ RigModel::RigModel(const ports::Ports& ports, std::string appVersion)
         transport_.followSite();
         script_.compile();
     });
-    script_.compiled().connect([this] { resetFiredTracking(); });
+    site_.movedAway().connect([this] { sites_.resolveTimeZone(); });
+    script_.compiled().connect([this] {
+        outcomes_.clearResults();
+        resetFiredTracking();
+    });
     transport_.moved().connect([this] { resetFiredTracking(); });
     transport_.activityChanged().connect([this] { fireClock_.retuneTickRate(); });
+    transport_.runBegan().connect([this](TimingMode mode) {
+        outcomes_.clearResults();
+        keeper_.saveRunState(mode == TimingMode::live ? RunState::ArmKind::real
+                                                      : RunState::ArmKind::simulation);
+    });
+    transport_.runTicked().connect([this] { keeper_.heartbeatRunState(); });
+    transport_.runOver().connect([this] { keeper_.clearRunState(); });
     transport_.shown().connect([this] { renderPace_.requestRender(true); });
 }
 
 void RigModel::bootstrap() {
     site_.restore();
+    sites_.restore();
     script_.restore();
     recompute();
     transport_.restoreSimClock();
+    keeper_.checkForResumableRun();
+    keeper_.checkEclipseDay();
     fireClock_.startClock();
 }
 
@@ -39,6 +53,7 @@ void RigModel::recompute() {
 
 void RigModel::handleAppWillTerminate() {
     logbook_.closeForExit();
+    keeper_.closeForExit();
 }
 
 void RigModel::advance(double dt) {

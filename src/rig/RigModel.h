@@ -10,8 +10,10 @@
 #include "rig/ManualFire.h"
 #include "rig/RenderPace.h"
 #include "rig/RigLog.h"
+#include "rig/RunKeeper.h"
 #include "rig/RunLogbook.h"
 #include "rig/ScriptDesk.h"
+#include "rig/SiteBook.h"
 #include "rig/SiteDesk.h"
 #include "rig/SleepGuard.h"
 #include "rig/Transport.h"
@@ -24,7 +26,7 @@ namespace zenka::rig {
 /// belongs to the main thread. The ports outlive it.
 class RigModel {
 public:
-    RigModel(const ports::Ports& ports, std::string appVersion);
+    RigModel(const ports::Ports& ports, const std::string& appVersion);
     RigModel(const RigModel&) = delete;
     RigModel& operator=(const RigModel&) = delete;
 
@@ -42,10 +44,12 @@ public:
 
     RigLog& log() { return log_; }
     SiteDesk& site() { return site_; }
+    SiteBook& sites() { return sites_; }
     ScriptDesk& script() { return script_; }
     CameraRoster& roster() { return roster_; }
     RunLogbook& logbook() { return logbook_; }
     Transport& transport() { return transport_; }
+    RunKeeper& keeper() { return keeper_; }
     ExposureControl& exposure() { return exposure_; }
     FireOutcomes& outcomes() { return outcomes_; }
     FireLoop& fireLoop() { return fireLoop_; }
@@ -62,11 +66,13 @@ private:
     const ports::Ports ports_;
     RigLog log_;
     SiteDesk site_;
+    SiteBook sites_;
     ScriptDesk script_;
     CameraRoster roster_;
     RunLogbook logbook_;
     SleepGuard sleepGuard_;
     Transport transport_;
+    RunKeeper keeper_;
     ExposureControl exposure_;
     FireOutcomes outcomes_;
     FireLoop fireLoop_;

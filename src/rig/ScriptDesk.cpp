@@ -3,7 +3,7 @@
 #include "base/Text.h"
 #include "rig/SettingsKeys.h"
 
-#include <nlohmann/json.hpp>
+#include <absl/strings/str_format.h>
 
 #include <algorithm>
 #include <utility>
@@ -13,7 +13,6 @@ namespace zenka::rig {
 namespace {
 
 constexpr base::Seconds debounceSpan{0.4};
-constexpr std::size_t maxRecentScripts = 10;
 
 constexpr char starterScript[] =
     "# New Zenka script.\n"
@@ -24,22 +23,32 @@ constexpr char starterScript[] =
 
 } // namespace
 
-ScriptDesk::ScriptDesk(const ports::Ports& ports, SiteDesk& site) : ports_(ports), site_(site) {
+ScriptDesk::ScriptDesk(const ports::Ports& ports, SiteDesk& site)
+    : ports_(ports), site_(site), files_(ports) {
 }
 
 void ScriptDesk::restore() {
     const auto saved = ports_.settings.text(settingsKeys::scriptText);
     const auto defaultPath = ports_.settings.text(settingsKeys::defaultScriptPath);
     const auto savedName = ports_.settings.text(settingsKeys::scriptName).value_or("Untitled");
-    const auto recent = recentScripts();
+    const auto recent = files_.recent();
 
-    if (defaultPath && loadFile(*defaultPath)) {
-        // the user's own choice for each start
-    } else if (saved && !base::trimmed(*saved).empty()) {
-        load(*saved, savedName);
-    } else if (!recent.empty() && loadFile(recent.front())) {
-        noteRecent(recent.front());
-        ports_.settings.setText(settingsKeys::scriptText, scriptText_.get());
+    const bool mayBeLost = saved && !base::trimmed(*saved).empty();
+    const std::string savedFile = ports_.settings.text(settingsKeys::scriptFile).value_or("");
+
+    if (defaultPath && loadNow(*defaultPath)) {
+        if (mayBeLost && *saved != scriptText_.get() && files_.readNow(savedFile).text != saved)
+            ports_.settings.setText(settingsKeys::unsavedText, *saved);
+    } else if (mayBeLost) {
+        // Until the file has been compared, or when there is none, the text counts as one that no file has.
+        replace(*saved,
+                {.name = savedName,
+                 .file = savedFile,
+                 .saved = *saved == starterScript ? std::optional(Fingerprint::of(*saved)) : std::nullopt});
+        compareWithLastFile(savedFile);
+    } else if (!recent.empty() && loadNow(recent.front())) {
+        files_.noteRecent(recent.front());
+        keep();
     } else {
         load(starterScript, savedName);
     }
@@ -49,14 +58,56 @@ void ScriptDesk::restore() {
 
 void ScriptDesk::setScriptText(std::string text) {
     scriptText_.set(std::move(text));
+    publishOrigin();
     ports_.loop.cancel(debounce_);
     debounce_ = ports_.loop.after(debounceSpan, lifeline_.guard([this] { compile(); }));
 }
 
 void ScriptDesk::load(std::string text, std::string name) {
+    // A run that is picked up again brings the very script that stands: it keeps its file.
+    Origin origin = text == scriptText_.get() ? origins_[origin_] : Origin{.saved = Fingerprint::of(text)};
+    origin.name = std::move(name);
+    replace(std::move(text), std::move(origin));
+}
+
+void ScriptDesk::replace(std::string text, Origin origin) {
     ports_.loop.cancel(debounce_);
+    const std::string& before = scriptText_.get();
+    if (edited_.get() && before != text && !base::trimmed(before).empty())
+        ports_.settings.setText(settingsKeys::unsavedText, before);
+    origins_.push_back(std::move(origin));
+    origin_ = origins_.size() - 1;
     scriptText_.set(std::move(text));
-    currentScriptName_.set(std::move(name));
+    publishOrigin();
+}
+
+void ScriptDesk::takeOrigin(std::size_t origin) {
+    if (origin >= origins_.size())
+        return;
+    origin_ = origin;
+    publishOrigin();
+}
+
+void ScriptDesk::publishOrigin() {
+    const Origin& origin = origins_[origin_];
+    currentScriptName_.set(origin.name);
+    scriptFile_.set(origin.file);
+    edited_.set(!origin.saved || !origin.saved->matches(scriptText_.get()));
+}
+
+ScriptDesk::Fingerprint ScriptDesk::Fingerprint::of(std::string_view text) {
+    return {text.size(), std::hash<std::string_view>{}(text)};
+}
+
+void ScriptDesk::compareWithLastFile(const std::string& path) {
+    if (path.empty())
+        return;
+    files_.read(path, lifeline_.guard([this, number = origin_](const ScriptFiles::Read& read) {
+        Origin& origin = origins_[number];
+        origin.windowsLineEnds = read.windowsLineEnds;
+        origin.saved = read.text ? std::optional(Fingerprint::of(*read.text)) : std::nullopt;
+        publishOrigin();
+    }));
 }
 
 void ScriptDesk::compile() {
@@ -85,41 +136,91 @@ void ScriptDesk::compile() {
                          ? std::nullopt
                          : std::optional(Bounds{captureOffsets_.front(), captureOffsets_.back()});
 
-    ports_.settings.setText(settingsKeys::scriptText, scriptText_.get());
-    ports_.settings.setText(settingsKeys::scriptName, currentScriptName_.get());
+    keep();
     compiled_.emit();
 }
 
-bool ScriptDesk::loadFile(const std::string& path) {
-    const auto bytes = ports_.files.read(path);
-    auto text = bytes ? base::utf8Text(*bytes) : std::nullopt;
-    if (!text)
+bool ScriptDesk::loadNow(const std::string& path) {
+    ScriptFiles::Read read = files_.readNow(path);
+    if (!read.text)
         return false;
-    load(*std::move(text), std::filesystem::path(path).filename().string());
+    takeFile(path, std::move(read));
     return true;
 }
 
-std::vector<std::string> ScriptDesk::recentScripts() const {
-    std::vector<std::string> paths;
-    const auto text = ports_.settings.text(settingsKeys::recentScripts);
-    const auto list = text ? nlohmann::json::parse(*text, nullptr, false) : nlohmann::json();
-    if (!list.is_array())
-        return paths;
-    for (const auto& item : list) {
-        if (item.is_string())
-            paths.push_back(item.get<std::string>());
-    }
-    return paths;
+void ScriptDesk::takeFile(const std::string& path, ScriptFiles::Read read) {
+    const auto saved = Fingerprint::of(*read.text);
+    replace(*std::move(read.text), {.name = ScriptFiles::nameOf(path),
+                                    .file = path,
+                                    .saved = saved,
+                                    .windowsLineEnds = read.windowsLineEnds});
 }
 
-void ScriptDesk::noteRecent(const std::string& path) {
-    std::vector<std::string> paths = recentScripts();
-    std::erase(paths, path);
-    paths.insert(paths.begin(), path);
-    paths.resize(std::min(paths.size(), maxRecentScripts));
-    ports_.settings.setText(
-        settingsKeys::recentScripts,
-        nlohmann::json(paths).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+void ScriptDesk::openFile(const std::string& path, Done done) {
+    files_.read(path, lifeline_.guard([this, path, done = std::move(done)](ScriptFiles::Read read) {
+        if (!read.text)
+            return done(read.fault + " The script here is as it was.");
+        takeFile(path, std::move(read));
+        files_.noteRecent(path);
+        compile();
+        done({});
+    }));
+}
+
+void ScriptDesk::saveFile(const std::string& path, Done done) {
+    keep();
+    const auto saved = Fingerprint::of(scriptText_.get());
+    const auto written = [this, path, saved, number = origin_, done = std::move(done)](bool ok) {
+        if (!ok)
+            return done(absl::StrFormat("\"%s\" could not be written: the folder may be full or closed to "
+                                        "you. The text is kept here; save it to another folder.",
+                                        ScriptFiles::nameOf(path)));
+        files_.noteRecent(path);
+        Origin& origin = origins_[number]; // perhaps no longer that of the script on the desk
+        origin.name = ScriptFiles::nameOf(path);
+        origin.file = path;
+        origin.saved = saved;
+        publishOrigin();
+        keep();
+        done({});
+    };
+    files_.write(path, scriptText_.get(), origins_[origin_].windowsLineEnds, lifeline_.guard(written));
+}
+
+void ScriptDesk::newScript() {
+    load(starterScript, "Untitled");
+    compile();
+}
+
+void ScriptDesk::loadExample(std::string text, std::string name) {
+    load(std::move(text), std::move(name));
+    compile();
+}
+
+std::string ScriptDesk::defaultScript() const {
+    return ports_.settings.text(settingsKeys::defaultScriptPath).value_or("");
+}
+
+void ScriptDesk::setDefaultScript(const std::string& path) {
+    if (path.empty())
+        ports_.settings.remove(settingsKeys::defaultScriptPath);
+    else
+        ports_.settings.setText(settingsKeys::defaultScriptPath, path);
+}
+
+std::optional<std::string> ScriptDesk::unsavedText() const {
+    return ports_.settings.text(settingsKeys::unsavedText);
+}
+
+void ScriptDesk::bringBackUnsavedText() {
+    if (auto text = unsavedText())
+        loadExample(*std::move(text), "Unsaved text");
+}
+
+void ScriptDesk::keep() {
+    ports_.settings.setText(settingsKeys::scriptText, scriptText_.get());
+    ports_.settings.setText(settingsKeys::scriptName, currentScriptName_.get());
+    ports_.settings.setText(settingsKeys::scriptFile, scriptFile_.get());
 }
 
 } // namespace zenka::rig

@@ -1,14 +1,18 @@
 #pragma once
 
+#include "base/Lifeline.h"
 #include "base/Published.h"
 #include "ports/Ports.h"
+#include "rig/ScriptFiles.h"
 #include "rig/SiteDesk.h"
 #include "script/ZenkaScript.h"
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zenka::rig {
@@ -22,10 +26,17 @@ public:
         double last = 0;
     };
 
+    /// Hears a sentence for the user: empty when all went well.
+    using Done = std::function<void(const std::string& fault)>;
+
     ScriptDesk(const ports::Ports& ports, SiteDesk& site);
 
     const base::Published<std::string>& scriptText() const { return scriptText_; }
     const base::Published<std::string>& currentScriptName() const { return currentScriptName_; }
+    /// The file the text was opened from or saved to, empty for none.
+    const base::Published<std::string>& scriptFile() const { return scriptFile_; }
+    /// The text differs from that file's; without a file, from the text as it was loaded.
+    const base::Published<bool>& edited() const { return edited_; }
     const base::Published<bool>& showWelcome() const { return showWelcome_; }
 
     const std::vector<script::Capture>& captures() const { return captures_; }
@@ -53,19 +64,71 @@ public:
     /// Takes a whole script at once; compile() follows up.
     void load(std::string text, std::string name);
 
+    /// Which script the text on the desk belongs to: a number for each that was taken.
+    std::size_t origin() const { return origin_; }
+    /// An undo or a redo has brought back the text of another script: name and file come back with it, so
+    /// that a save cannot go to the wrong file.
+    void takeOrigin(std::size_t origin);
+
+    /// Reads a file in the place of the script, and compiles. A file that cannot be read changes nothing.
+    void openFile(const std::string& path, Done done);
+    /// Writes the text to a file, which is the script's own from then on.
+    void saveFile(const std::string& path, Done done);
+    std::vector<std::string> recentScripts() const { return files_.recent(); }
+
+    /// The starter script, compiled.
+    void newScript();
+    /// A script that belongs to no file, compiled.
+    void loadExample(std::string text, std::string name);
+
+    /// The file that each start begins with; an empty path for none.
+    std::string defaultScript() const;
+    void setDefaultScript(const std::string& path);
+    /// The text that another script took the place of last and that was in no file.
+    std::optional<std::string> unsavedText() const;
+    void bringBackUnsavedText();
+
+    /// Stores text, name and file at once, as compile() does.
+    void keep();
+
     /// Compiles for the site's last circumstances and raises compiled().
     void compile();
 
     sigc::signal<void()>& compiled() { return compiled_; }
 
 private:
+    /// Enough of a text to know it again.
+    struct Fingerprint {
+        std::size_t size = 0;
+        std::size_t hash = 0;
+
+        static Fingerprint of(std::string_view text);
+        bool matches(std::string_view text) const { return size == text.size() && *this == of(text); }
+        friend bool operator==(const Fingerprint&, const Fingerprint&) = default;
+    };
+
+    /// Where a script comes from.
+    struct Origin {
+        std::string name = "Untitled";
+        std::string file;                 ///< path, empty for none
+        std::optional<Fingerprint> saved; ///< as in the file, or as loaded; nothing: not known
+        bool windowsLineEnds = false;
+    };
+
     /// False, and nothing changed, when the file cannot be read as UTF-8.
-    bool loadFile(const std::string& path);
-    std::vector<std::string> recentScripts() const;
-    void noteRecent(const std::string& path);
+    bool loadNow(const std::string& path);
+    void takeFile(const std::string& path, ScriptFiles::Read read);
+    void replace(std::string text, Origin origin);
+    void compareWithLastFile(const std::string& path);
+    void publishOrigin();
 
     const ports::Ports& ports_;
     SiteDesk& site_;
+    ScriptFiles files_;
+    std::vector<Origin> origins_{Origin{}}; // of all scripts taken, since an undo may bring each back
+    std::size_t origin_ = 0;
+    base::Published<std::string> scriptFile_;
+    base::Published<bool> edited_{false};
     base::Published<std::string> scriptText_;
     base::Published<std::string> currentScriptName_{"Untitled"};
     base::Published<bool> showWelcome_{false};

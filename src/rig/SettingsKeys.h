@@ -6,11 +6,16 @@ namespace zenka::rig::settingsKeys {
 inline constexpr char selectedEclipse[] = "eclipse.selectedId";
 inline constexpr char sitePrefix[] = "eclipse.site.";                           ///< + eclipse id
 inline constexpr char locationConfirmedPrefix[] = "eclipse.locationConfirmed."; ///< + eclipse id
+inline constexpr char defaultSite[] = "eclipse.defaultSite";                    ///< id of a saved site
 inline constexpr char recentScripts[] = "eclipse.recentScripts";                ///< JSON array of paths
 inline constexpr char scriptText[] = "eclipse.scriptText";
 inline constexpr char scriptName[] = "eclipse.scriptName";
+inline constexpr char scriptFile[] = "zenka.scriptFile"; ///< the path the text was opened from or saved to
+inline constexpr char unsavedText[] = "zenka.unsavedScriptText"; ///< that another script took the place of
 inline constexpr char defaultScriptPath[] = "zenka.defaultScriptPath";
 inline constexpr char welcomeSeen[] = "zenka.welcomeSeen";
 inline constexpr char simClock[] = "eclipse.simClock"; ///< "eclipseId|clock"
+
+inline constexpr char eclipseDayPromptedPrefix[] = "zenka.eclipseDayPrompted."; ///< + id: the day, ISO 8601
 
 } // namespace zenka::rig::settingsKeys

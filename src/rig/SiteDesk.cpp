@@ -49,6 +49,10 @@ double SiteDesk::clockAt(base::Instant wall) const {
     return (wall - (eclipse_->baseTDT() - base::Seconds{eclipse_->rec.deltaT})).count();
 }
 
+std::string SiteDesk::fmtClock(double clock) const {
+    return base::formatTime("%H:%M:%S", wallAt(clock), timeZone());
+}
+
 absl::TimeZone SiteDesk::timeZone() const {
     return base::timeZoneOrUtc(site_->tzId);
 }
@@ -64,6 +68,11 @@ void SiteDesk::restore() {
 
 void SiteDesk::setSite(Site site) {
     site_.set(std::move(site));
+    rememberSite();
+}
+
+void SiteDesk::confirmLocation(bool confirmed) {
+    locationConfirmed_.set(confirmed);
     rememberSite();
 }
 
@@ -132,6 +141,7 @@ void SiteDesk::moveToGreatestDuration(const eclipse::DurationPoint& point,
     log_.pushLog(absl::StrFormat(
         "Site set to greatest duration%s: %.4f, %.4f — %dm%02ds. Set your real location before arming.",
         reason ? " (" + *reason + ")" : std::string(), point.lat, point.lon, seconds / 60, seconds % 60));
+    movedAway_.emit();
     recompute();
 }
 

@@ -58,6 +58,9 @@ public:
     base::Instant wallAt(double clock) const;
     double clockAt(base::Instant wall) const;
 
+    /// A clock value as the time of day at the site, "20:29:03".
+    std::string fmtClock(double clock) const;
+
     /// The site's zone, UTC if its identifier is unknown.
     absl::TimeZone timeZone() const;
 
@@ -67,12 +70,18 @@ public:
     /// Replaces the site; recompute() follows up.
     void setSite(Site site);
 
+    /// The user has said that this is the place for this eclipse, or no longer says so.
+    void confirmLocation(bool confirmed);
+
     /// Takes an eclipse of the catalogue together with a site; recompute() follows up.
     void choose(const std::string& eclipseId, Site site);
 
     /// Changes the eclipse: with the site remembered for it, or the one that stands if it sees the
     /// eclipse, or the point of greatest duration. An unknown id changes nothing.
     void selectEclipse(const std::string& id);
+
+    /// The site was moved by the search for the greatest duration, and its zone is not known yet.
+    sigc::signal<void()>& movedAway() { return movedAway_; }
 
     /// Moves the site to the point of greatest duration, which is searched off the main thread.
     void jumpToGreatestDuration(const std::optional<std::string>& reason);
@@ -102,6 +111,7 @@ private:
     double tC1_ = -7200;
     double tC4_ = 7200;
     sigc::signal<void()> recomputed_;
+    sigc::signal<void()> movedAway_;
     base::Lifeline lifeline_;
 };
 

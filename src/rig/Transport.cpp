@@ -56,24 +56,30 @@ double Transport::clockNow() const {
 }
 
 double Transport::liveClock() const {
-    return site_.clockAt(liveAnchorWall_) + (ports_.clock.continuousSeconds() - liveAnchorUp_);
+    return site_.clockAt(liveAnchorTrue_) + (ports_.clock.continuousSeconds() - liveAnchorUp_);
 }
 
 bool Transport::advance(double dt) {
     clockReadAt_ = ports_.clock.uptimeSeconds();
     if (live()) {
         clock_ = liveClock();
+        if (site_.tC4() + contactMargin <= clock_)
+            runOver_.emit();
+        else
+            runTicked_.emit();
         return true;
     }
     if (!playing_.get())
         return false;
     clock_ += dt;
     saveSimClock(false);
+    runTicked_.emit();
     const double end = timeline().last;
     if (end <= clock_) {
         clock_ = end;
         setPlaying(false);
         logbook_.endRunLog(true, false);
+        runOver_.emit();
         sleepGuard_.update(live(), playing_.get());
     }
     return true;
@@ -91,10 +97,13 @@ void Transport::togglePlay() {
     clockReadAt_ = ports_.clock.uptimeSeconds();
     setPlaying(!playing_.get());
     moved_.emit();
-    if (playing_.get())
+    if (playing_.get()) {
         logbook_.beginRunLog("simulated");
-    else
+        runBegan_.emit(TimingMode::simulated);
+    } else {
         logbook_.endRunLog(false, true);
+        runOver_.emit();
+    }
     sleepGuard_.update(live(), playing_.get());
 }
 
@@ -148,22 +157,51 @@ void Transport::useSimulatedTiming() {
     setPlaying(false);
     clock_ = site_.tC1();
     moved_.emit();
+    runOver_.emit();
     logbook_.endRunLog(false, false);
     sleepGuard_.update(live(), playing_.get());
     log_.pushLog("Timing: SIMULATED");
 }
 
 void Transport::armRealEclipseTiming(bool) {
-    liveAnchorWall_ = ports_.clock.now();
-    liveAnchorUp_ = ports_.clock.continuousSeconds();
     timingStatus_.set("LIVE · real eclipse clock");
+    anchorLive(ports_.clock.now());
+    beginLiveRun();
+    log_.pushLog("Timing: LIVE. Armed to real eclipse UTC clock");
+}
+
+Transport::LiveAnchor Transport::liveAnchor() const {
+    return {.wall = liveAnchorWall_, .clock = site_.clockAt(liveAnchorTrue_)};
+}
+
+void Transport::anchorLive(base::Instant trueTime) {
+    liveAnchorWall_ = ports_.clock.now();
+    liveAnchorTrue_ = trueTime;
+    liveAnchorUp_ = ports_.clock.continuousSeconds();
     setMode(TimingMode::live);
     setPlaying(false);
     clock_ = liveClock();
     moved_.emit();
+}
+
+void Transport::takeLiveClock(double clock) {
+    timingStatus_.set("LIVE · real eclipse clock · resumed");
+    anchorLive(site_.wallAt(clock));
+}
+
+void Transport::beginLiveRun() {
+    runBegan_.emit(TimingMode::live);
     logbook_.beginRunLog("real");
     sleepGuard_.update(live(), playing_.get());
-    log_.pushLog("Timing: LIVE. Armed to real eclipse UTC clock");
+}
+
+void Transport::resumeSimulated(double clock) {
+    setMode(TimingMode::simulated);
+    timingStatus_.set("simulated clock · resumed");
+    setPlaying(false);
+    const Range range = timeline();
+    moveTo(std::clamp(clock, range.first, range.last));
+    sleepGuard_.update(live(), playing_.get());
 }
 
 void Transport::followSite() {

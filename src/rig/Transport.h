@@ -50,6 +50,20 @@ public:
     void useSimulatedTiming();
     void armRealEclipseTiming(bool force);
 
+    /// Where a live run took its clock: the computer's time then, and the eclipse clock, which may be
+    /// corrected to a better time source.
+    struct LiveAnchor {
+        base::Instant wall;
+        double clock = 0;
+    };
+    LiveAnchor liveAnchor() const;
+
+    /// For a run that is picked up again: the simulated clock, held to the timeline, or the live one, which
+    /// a live run then begins on.
+    void resumeSimulated(double clock);
+    void takeLiveClock(double clock);
+    void beginLiveRun();
+
     /// Puts a simulated clock at the start of the window of a site that has just been computed. A live
     /// clock stays with real time.
     void followSite();
@@ -67,6 +81,10 @@ public:
 
     /// The clock was moved by hand, or a run began or ended: what lies behind the clock is past.
     sigc::signal<void()>& moved() { return moved_; }
+    /// A run of which something could be lost: it has begun, it goes on (on each tick), it is over.
+    sigc::signal<void(TimingMode)>& runBegan() { return runBegan_; }
+    sigc::signal<void()>& runTicked() { return runTicked_; }
+    sigc::signal<void()>& runOver() { return runOver_; }
     /// Run active or not may have changed.
     sigc::signal<void()>& activityChanged() { return activityChanged_; }
     /// The clock was moved by hand to a place that views should show at once.
@@ -76,6 +94,7 @@ private:
     void setMode(TimingMode mode);
     void setPlaying(bool playing);
     void moveTo(double clock);
+    void anchorLive(base::Instant trueTime);
     double liveClock() const;
 
     const ports::Ports& ports_;
@@ -90,10 +109,14 @@ private:
     base::Published<TimingMode> timingMode_{TimingMode::simulated};
     base::Published<bool> playing_{false};
     base::Published<std::string> timingStatus_{"simulated clock"};
-    base::Instant liveAnchorWall_;        // corrected to the best time source
+    base::Instant liveAnchorWall_;        // by the computer's clock
+    base::Instant liveAnchorTrue_;        // by the best time source
     double liveAnchorUp_ = 0;             // continuous seconds
     std::optional<double> lastClockSave_; // uptime seconds
     sigc::signal<void()> moved_;
+    sigc::signal<void(TimingMode)> runBegan_;
+    sigc::signal<void()> runTicked_;
+    sigc::signal<void()> runOver_;
     sigc::signal<void()> activityChanged_;
     sigc::signal<void()> shown_;
 };

@@ -70,6 +70,7 @@ TEST(SiteDesk, aResultForAnEclipseThatIsNoLongerSelectedIsDropped) {
 
 TEST(SiteDesk, aDamagedRememberedSiteCostsNothingElse) {
     VirtualRig rig;
+    rig.machine.time.setWall({1767225600}); // no eclipse's day
     rig.machine.settings.setText(rig::settingsKeys::selectedEclipse, "2027-08-02");
     rig.machine.settings.setText(std::string(rig::settingsKeys::sitePrefix) + "2027-08-02",
                                  "{\"lat\": \"x\"");

@@ -5,6 +5,7 @@
 #include "platform/LinuxPorts.h"
 #include "platform/virtual/VirtualMachine.h"
 #include "rig/RigModel.h"
+#include "support/TestFolders.h"
 
 #include <absl/strings/str_format.h>
 
@@ -13,18 +14,6 @@
 #include <vector>
 
 namespace zenka::test {
-
-/// Folders below one that a test made.
-class FoldersBelow final : public ports::Folders {
-public:
-    explicit FoldersBelow(std::filesystem::path root) : root_(std::move(root)) {}
-    std::filesystem::path applicationSupport() const override { return root_ / "ZenkaRig"; }
-    std::filesystem::path documents() const override { return root_ / "Documents"; }
-    std::filesystem::path temporary() const override { return root_; }
-
-private:
-    std::filesystem::path root_;
-};
 
 /// A live run on the real adapters with simulated bodies: a frame on each body again and again, from a
 /// second after now. Needs a QCoreApplication.

@@ -2,6 +2,7 @@
 
 #include "platform/virtual/VirtualPorts.h"
 #include "rig/RigModel.h"
+#include "support/FakePlaces.h"
 #include "support/MemoryFiles.h"
 #include "support/ScriptedCamera.h"
 
@@ -19,6 +20,7 @@ public:
 
     MemoryFiles files;
     MemoryFolders folders;
+    FakePlaces places;
     platform::VirtualPorts machine;
     rig::RigModel model;
 

@@ -4,6 +4,7 @@
 #include "ports/FireTimer.h"
 #include "ports/KeepAwake.h"
 #include "ports/MainLoop.h"
+#include "ports/PlaceLookup.h"
 #include "ports/Settings.h"
 #include "ports/StallSampler.h"
 #include "ports/WorkQueues.h"
@@ -87,6 +88,14 @@ class NoKeepAwake final : public ports::KeepAwake {
 public:
     void hold(const std::string&) override {}
     void release() override {}
+};
+
+/// A world of sea: no zone and no place anywhere.
+class NoPlaces final : public ports::PlaceLookup {
+public:
+    std::optional<std::string> zoneAt(double, double) const override { return std::nullopt; }
+    std::optional<std::string> placeAt(double, double) const override { return std::nullopt; }
+    std::vector<ports::FoundPlace> search(std::string_view, std::size_t) const override { return {}; }
 };
 
 class NoStallSampler final : public ports::StallSampler {

@@ -8,8 +8,12 @@ namespace zenka::platform {
 /// A whole machine in virtual time, but for the disk. What stands on it runs hours in a moment.
 struct VirtualPorts {
     VirtualPorts(base::Instant wallStart, ports::Folders& folders, ports::Files& files)
-        : time(wallStart), all{time,    loop,  queues,    fireTimer,   settings,
-                               folders, files, keepAwake, stallSampler} {}
+        : VirtualPorts(wallStart, folders, files, nowhere) {}
+
+    VirtualPorts(base::Instant wallStart, ports::Folders& folders, ports::Files& files,
+                 ports::PlaceLookup& places)
+        : time(wallStart), all{time,    loop,  queues,    fireTimer,    settings,
+                               folders, files, keepAwake, stallSampler, places} {}
 
     VirtualTime time;
     VirtualLoop loop{time};
@@ -18,6 +22,7 @@ struct VirtualPorts {
     MemorySettings settings;
     NoKeepAwake keepAwake;
     NoStallSampler stallSampler;
+    NoPlaces nowhere;
     ports::Ports all;
 };
 

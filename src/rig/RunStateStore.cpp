@@ -1,0 +1,34 @@
+#include "rig/RunStateStore.h"
+
+namespace zenka::rig {
+
+namespace {
+
+constexpr base::Seconds diskLimit{5};
+
+} // namespace
+
+RunStateStore::RunStateStore(const ports::Ports& ports)
+    : disk_(ports.files), file_(ports.folders.applicationSupport() / "run-state.json"),
+      queue_(ports.queues.serial("zenka.runstate")) {
+}
+
+void RunStateStore::save(const RunState& state) {
+    queue_->post([&disk = disk_, file = file_, state] { disk.writeAtomically(file, toJson(state)); });
+}
+
+void RunStateStore::clear() {
+    queue_->post([&disk = disk_, file = file_] { disk.remove(file); });
+}
+
+std::optional<RunState> RunStateStore::read() {
+    drain();
+    const auto text = disk_.read(file_);
+    return text ? runStateFromJson(*text) : std::nullopt;
+}
+
+bool RunStateStore::drain() {
+    return queue_->drain(diskLimit);
+}
+
+} // namespace zenka::rig

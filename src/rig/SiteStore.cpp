@@ -1,0 +1,77 @@
+#include "rig/SiteStore.h"
+
+#include <nlohmann/json.hpp>
+
+namespace zenka::rig {
+
+namespace {
+
+using Json = nlohmann::json;
+
+std::vector<SavedSite> seeds() {
+    const auto site = [](const char* name, double lat, double lon, double elev, const char* tz) {
+        return SavedSite{
+            .id = base::Uuid::fresh().text(), .name = name, .lat = lat, .lon = lon, .elev = elev, .tz = tz};
+    };
+    return {site("Zaragoza, ES", 41.65, -0.88, 200, "Europe/Madrid"),
+            site("Valencia, ES", 39.47, -0.376, 15, "Europe/Madrid"),
+            site("Reykjavík, IS", 64.146, -21.94, 40, "Atlantic/Reykjavik")};
+}
+
+} // namespace
+
+std::string toJson(const std::vector<SavedSite>& sites) {
+    Json list = Json::array();
+    for (const SavedSite& site : sites)
+        list.push_back({{"id", site.id},
+                        {"name", site.name},
+                        {"lat", site.lat},
+                        {"lon", site.lon},
+                        {"elev", site.elev},
+                        {"tz", site.tz}});
+    return list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::optional<std::vector<SavedSite>> savedSitesFromJson(std::string_view json) {
+    const Json list = Json::parse(json, nullptr, false);
+    if (!list.is_array())
+        return std::nullopt;
+    std::vector<SavedSite> sites;
+    for (const Json& item : list) {
+        const auto has = [&](const char* key, bool (Json::*isType)() const noexcept) {
+            return item.is_object() && item.contains(key) && (item[key].*isType)();
+        };
+        if (!has("id", &Json::is_string) || !has("name", &Json::is_string) || !has("tz", &Json::is_string) ||
+            !has("lat", &Json::is_number) || !has("lon", &Json::is_number) || !has("elev", &Json::is_number))
+            return std::nullopt;
+        sites.push_back({.id = item["id"].get<std::string>(),
+                         .name = item["name"].get<std::string>(),
+                         .lat = item["lat"].get<double>(),
+                         .lon = item["lon"].get<double>(),
+                         .elev = item["elev"].get<double>(),
+                         .tz = item["tz"].get<std::string>()});
+    }
+    return sites;
+}
+
+SiteStore::SiteStore(const ports::Ports& ports)
+    : disk_(ports.files), file_(ports.folders.applicationSupport() / "sites.json"),
+      queue_(ports.queues.serial("zenka.sites")) {
+}
+
+SiteStore::Loaded SiteStore::loadOrSeed() {
+    const auto text = disk_.read(file_);
+    if (auto sites = text ? savedSitesFromJson(*text) : std::nullopt)
+        return {.sites = *std::move(sites)};
+    if (text) // what the user had is kept beside the new file, to be mended by hand
+        disk_.writeAtomically(file_.string() + ".damaged", *text);
+    Loaded seeded{.sites = seeds(), .damaged = text.has_value()};
+    save(seeded.sites);
+    return seeded;
+}
+
+void SiteStore::save(const std::vector<SavedSite>& sites) {
+    queue_->post([&disk = disk_, file = file_, json = toJson(sites)] { disk.writeAtomically(file, json); });
+}
+
+} // namespace zenka::rig

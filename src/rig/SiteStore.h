@@ -1,0 +1,52 @@
+#pragma once
+
+#include "base/Uuid.h"
+#include "ports/Ports.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zenka::rig {
+
+/// A site that the user keeps: degrees, metres, time-zone identifier.
+struct SavedSite {
+    std::string id; ///< a UUID as text
+    std::string name;
+    double lat = 0;
+    double lon = 0;
+    double elev = 0;
+    std::string tz;
+
+    friend bool operator==(const SavedSite&, const SavedSite&) = default;
+};
+
+std::string toJson(const std::vector<SavedSite>& sites);
+/// Nothing for a text that is no such list.
+std::optional<std::vector<SavedSite>> savedSitesFromJson(std::string_view json);
+
+/// The file "sites.json".
+class SiteStore {
+public:
+    explicit SiteStore(const ports::Ports& ports);
+
+    /// The sites of the file; where there is none, or it cannot be read, three to begin with, which are
+    /// saved. Waits for the disk, for start-up. `damaged` tells of a file that was there.
+    struct Loaded {
+        std::vector<SavedSite> sites;
+        bool damaged = false;
+    };
+    Loaded loadOrSeed();
+
+    /// Does not wait for the disk.
+    void save(const std::vector<SavedSite>& sites);
+
+private:
+    ports::Files& disk_;
+    std::filesystem::path file_;
+    std::shared_ptr<ports::WorkQueue> queue_;
+};
+
+} // namespace zenka::rig
