@@ -1,0 +1,107 @@
+#include "ui/AppView.h"
+
+#include "rig/RigModel.h"
+#include "ui/Observe.h"
+
+#include <QFile>
+
+#include <utility>
+
+namespace zenka::ui {
+
+namespace {
+
+/// Sheets that cover the dashboard, which then need not be drawn often.
+bool coversDashboard(const QString& sheet) {
+    return sheet == QLatin1String("Script") || sheet == QLatin1String("Settings");
+}
+
+} // namespace
+
+AppView::AppView(rig::RigModel& rig, QString version, QObject* parent)
+    : QObject(parent), rig_(rig), version_(std::move(version)) {
+    observe(this, rig.keeper().resumableRun().changed(), [this](const auto&) { Q_EMIT promptChanged(); });
+    observe(this, rig.keeper().showEclipseDay().changed(), [this](bool) { Q_EMIT promptChanged(); });
+    observe(this, rig.script().showWelcome().changed(), [this](bool show) {
+        if (show)
+            openSheet(QStringLiteral("Welcome"));
+    });
+}
+
+void AppView::openSheet(const QString& name) {
+    if (sheet_ == name)
+        return;
+    if (!sheet_.isEmpty())
+        Q_EMIT sheetClosing(sheet_);
+    sheet_ = name;
+    rig_.renderPace().setSheetCoveringDashboard(coversDashboard(sheet_));
+    Q_EMIT sheetChanged();
+}
+
+void AppView::closeSheet() {
+    openSheet(QString());
+}
+
+void AppView::arm() {
+    closeSheet();
+    rig_.transport().armRealEclipseTiming(false);
+}
+
+void AppView::leaveLive() {
+    closeSheet();
+    rig_.transport().useSimulatedTiming();
+}
+
+void AppView::openGuide(const QString& title, const QString& page) {
+    guidePage_ = title;
+    guideFile_ = page;
+    sheet_.clear(); // the same sheet may show another page
+    openSheet(QStringLiteral("Guide"));
+}
+
+QString AppView::guideText() const {
+    QFile file(QStringLiteral(":/zenka/docs/") + guideFile_);
+    if (guideFile_.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.readAll());
+}
+
+QString AppView::prompt() const {
+    if (rig_.keeper().resumableRun().get())
+        return QStringLiteral("resume");
+    if (rig_.keeper().showEclipseDay().get())
+        return QStringLiteral("eclipseDay");
+    return {};
+}
+
+QString AppView::promptText() const {
+    if (rig_.keeper().resumableRun().get())
+        return QStringLiteral(
+            "Zenka was armed and running when it last closed. Pick the sequence back up from "
+            "where the clock is now. Captures whose moment already passed are skipped, not "
+            "re-fired.");
+    if (rig_.keeper().showEclipseDay().get())
+        return QStringLiteral("It's eclipse day: ") + eclipseDayName() +
+               QStringLiteral(". Check site, script and cameras, then arm the real eclipse clock.");
+    return {};
+}
+
+QString AppView::eclipseDayName() const {
+    return QString::fromStdString(rig_.keeper().eclipseDayName());
+}
+
+void AppView::acceptPrompt() {
+    if (prompt() == QLatin1String("resume"))
+        rig_.keeper().resumeRun();
+    else
+        rig_.keeper().dismissEclipseDay();
+}
+
+void AppView::declinePrompt() {
+    if (prompt() == QLatin1String("resume"))
+        rig_.keeper().clearRunState();
+    else
+        rig_.keeper().dismissEclipseDay();
+}
+
+} // namespace zenka::ui

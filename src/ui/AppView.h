@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+namespace zenka::rig {
+class RigModel;
+}
+
+namespace zenka::ui {
+
+/// What the window as a whole shows: the open sheet, prompts, and facts about the program.
+class AppView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString sheet READ sheet NOTIFY sheetChanged)
+    Q_PROPERTY(QString version READ version CONSTANT)
+    Q_PROPERTY(QString guidePage READ guidePage NOTIFY sheetChanged)
+    Q_PROPERTY(QString guideText READ guideText NOTIFY sheetChanged)
+    Q_PROPERTY(QString prompt READ prompt NOTIFY promptChanged)
+    Q_PROPERTY(QString promptText READ promptText NOTIFY promptChanged)
+    Q_PROPERTY(QString eclipseDayName READ eclipseDayName NOTIFY promptChanged)
+
+public:
+    AppView(rig::RigModel& rig, QString version, QObject* parent);
+
+    QString sheet() const { return sheet_; }
+    Q_INVOKABLE void openSheet(const QString& name);
+    Q_INVOKABLE void closeSheet();
+    /// Begins and ends the live run, behind the deliberate act that the sheets ask for.
+    Q_INVOKABLE void arm();
+    Q_INVOKABLE void leaveLive();
+    /// Opens a page of the documents that are built in.
+    void openGuide(const QString& title, const QString& page);
+
+    QString version() const { return version_; }
+    QString guidePage() const { return guidePage_; }
+    QString guideText() const;
+
+    /// "resume", "eclipseDay" or empty, with its words.
+    QString prompt() const;
+    QString promptText() const;
+    QString eclipseDayName() const;
+    Q_INVOKABLE void acceptPrompt();
+    Q_INVOKABLE void declinePrompt();
+
+    /// A text field has the keyboard, so single keys are its own.
+    Q_INVOKABLE void setTyping(bool typing) { typing_ = typing; }
+    bool typing() const { return typing_; }
+
+Q_SIGNALS:
+    void sheetChanged();
+    void promptChanged();
+    /// The sheet is about to close; what was typed in it should be kept.
+    void sheetClosing(const QString& name);
+    /// For the script sheet: a command ("newScript", "open", "save"), and a line of the script to go to.
+    void scriptCommand(const QString& what);
+    void scriptLineWanted(int lineNo);
+
+private:
+    rig::RigModel& rig_;
+    const QString version_;
+    QString sheet_;
+    QString guidePage_;
+    QString guideFile_;
+    bool typing_ = false;
+};
+
+} // namespace zenka::ui

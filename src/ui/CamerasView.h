@@ -1,0 +1,97 @@
+#pragma once
+
+#include "rig/RigModel.h"
+
+#include <QAbstractListModel>
+#include <QString>
+#include <QVariantList>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace zenka::ui {
+
+/// The bodies of the rig, one card each, and behind them the cameras that the script names and no body
+/// answers to.
+class CamerasView : public QAbstractListModel {
+    Q_OBJECT
+    Q_PROPERTY(QVariantList catalogue READ catalogue CONSTANT)
+    Q_PROPERTY(QString summary READ summary NOTIFY changed)
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
+    Q_PROPERTY(QString offer READ offer NOTIFY changed)
+    Q_PROPERTY(QString nextToken READ nextToken NOTIFY changed)
+
+public:
+    enum Role {
+        IdRole = Qt::UserRole,
+        MissingRole, ///< no body: a name of the script
+        LabelRole,
+        ModelRole,
+        DetailsRole,    ///< "simulated · connected"
+        SymbolRole,     ///< the state as a shape
+        StateRole,      ///< and in a word
+        LastFrameRole,  ///< "Pre 62%  ISO 100 f/8 1/500  ✓ 212ms"
+        CountsRole,     ///< "● 128"
+        DroppedRole,    ///< "▲ 2 dropped", empty for none
+        WarningRole,    ///< a sentence, empty for none
+        UsedRole,       ///< the script has frames for it
+        StatusLineRole, ///< "● CAM1  Pre 62%  ISO 100 f/8 1/500  ✓ 212ms"
+        RunRole         ///< a run is on, in which taking a body away costs frames
+    };
+
+    CamerasView(rig::RigModel& rig, QObject* parent);
+
+    /// Rows of brand and models.
+    QVariantList catalogue() const;
+    /// "2 bodies, 1 missing"
+    QString summary() const;
+    QString emptyText() const;
+    /// What to offer where the script's cameras have no bodies; empty for nothing.
+    QString offer() const;
+    /// The label that the next body gets; empty when every camera of the script has a body.
+    QString nextToken() const;
+
+    /// Adds a simulated body under the label of the first camera that has none.
+    Q_INVOKABLE void add(const QString& model);
+    /// A simulated body for each camera of the script that has none.
+    Q_INVOKABLE void addForScript();
+    /// False when the label is blank or another body has it; the reason is in labelFault.
+    Q_INVOKABLE bool setLabel(const QString& id, const QString& label);
+    Q_INVOKABLE QString labelFault(const QString& id, const QString& label) const;
+    Q_INVOKABLE void remove(const QString& id);
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    struct Row {
+        std::string id; ///< of the body, or the name that is missing one
+        bool missing = false;
+        QString label, model, details, symbol, state, lastFrame, counts, dropped, warning;
+        bool used = false;
+        bool run = false;
+
+        friend bool operator==(const Row&, const Row&) = default;
+    };
+
+    std::vector<Row> makeRows() const;
+    Row bodyRow(const rig::CameraRoster::Camera& camera) const;
+    Row missingRow(const std::string& token) const;
+    std::vector<std::string> missingTokens() const;
+    /// Whether a body has this very label.
+    bool owns(const std::string& label, const QString& otherThan) const;
+    rig::CameraRoster::Camera find(const QString& id) const;
+    void refresh();
+    void noteLine(const std::string& line);
+
+    rig::RigModel& rig_;
+    std::vector<Row> rows_;
+    std::map<std::string, QString> lastLines_; // what the log said of a label last, behind the label
+};
+
+} // namespace zenka::ui

@@ -1,0 +1,219 @@
+#include "ui/ClockView.h"
+
+#include "base/CivilTime.h"
+#include "exposure/ExposureScales.h"
+#include "rig/RigModel.h"
+#include "ui/Observe.h"
+
+#include <QVariantMap>
+#include <absl/strings/str_format.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zenka::ui {
+
+namespace {
+
+QString qt(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+/// "00:11:41", from an hour on and below alike, so that nothing jumps. Cut, not rounded.
+QString digits(double seconds) {
+    const auto whole = static_cast<long long>(std::floor(std::abs(seconds)));
+    return qt(absl::StrFormat("%02d:%02d:%02d", whole / 3600, whole / 60 % 60, whole % 60));
+}
+
+/// "1 m 23.5 s"
+std::string minutesText(double seconds) {
+    const int minutes = static_cast<int>(seconds / 60);
+    return absl::StrFormat("%d m %04.1f s", minutes, std::floor((seconds - 60.0 * minutes) * 10) / 10);
+}
+
+std::string signedDegrees(double degrees) {
+    return absl::StrFormat("%s%.3f", degrees < 0 ? "−" : "", std::abs(degrees));
+}
+
+} // namespace
+
+ClockView::ClockView(rig::RigModel& rig, QObject* parent) : QObject(parent), rig_(rig) {
+    const auto place = [this] {
+        Q_EMIT placed();
+        Q_EMIT ticked();
+    };
+    observe(this, rig.renderPace().renderTick().changed(), [this](auto) { Q_EMIT ticked(); });
+    observe(this, rig.site().recomputed(), place);
+    observe(this, rig.site().publishedSite().changed(), [place](const auto&) { place(); });
+    observe(this, rig.script().compiled(), [this] { Q_EMIT ticked(); });
+    observe(this, rig.transport().activityChanged(), [this] {
+        Q_EMIT stateChanged();
+        Q_EMIT ticked();
+    });
+    observe(this, rig.transport().timingStatus().changed(), [this](const auto&) { Q_EMIT stateChanged(); });
+}
+
+QString ClockView::siteTime() const {
+    return qt(rig_.site().fmtClock(rig_.transport().clockNow()));
+}
+
+QString ClockView::zoneName() const {
+    return qt(
+        base::formatTime("%Z", rig_.site().wallAt(rig_.transport().clockNow()), rig_.site().timeZone()));
+}
+
+QString ClockView::utcTime() const {
+    return qt(
+        base::formatTime("%H:%M:%S", rig_.site().wallAt(rig_.transport().clockNow()), absl::UTCTimeZone()));
+}
+
+QString ClockView::siteLabel() const {
+    const std::string& label = rig_.site().site().label;
+    return label.empty() ? QStringLiteral("Unnamed site") : qt(label);
+}
+
+QString ClockView::sitePosition() const {
+    const rig::Site& site = rig_.site().site();
+    return qt(absl::StrFormat("%s %s  %.0f m", signedDegrees(site.lat), signedDegrees(site.lon), site.elev));
+}
+
+QString ClockView::eclipseName() const {
+    return qt(rig_.site().eclipse().rec.shortName);
+}
+
+bool ClockView::live() const {
+    return rig_.transport().live();
+}
+
+bool ClockView::playing() const {
+    return rig_.transport().playing().get();
+}
+
+bool ClockView::runActive() const {
+    return rig_.transport().runActive();
+}
+
+QString ClockView::modeWord() const {
+    return live() ? QStringLiteral("LIVE") : QStringLiteral("SIMULATED");
+}
+
+QString ClockView::statusText() const {
+    return qt(rig_.transport().timingStatus().get());
+}
+
+double ClockView::at(const char* key, double otherwise) const {
+    const auto& contacts = rig_.site().contactTHours();
+    const auto found = contacts.find(key);
+    return found == contacts.end() ? otherwise : found->second * 3600;
+}
+
+bool ClockView::has(const char* key) const {
+    return rig_.site().contactTHours().contains(key);
+}
+
+bool ClockView::inTotality() const {
+    const double now = rig_.transport().clockNow();
+    return has("C2") && has("C3") && at("C2", 0) <= now && now < at("C3", 0);
+}
+
+QString ClockView::nextContact() const {
+    const double now = rig_.transport().clockNow();
+    for (const char* key : {"C1", "C2", "MAX", "C3", "C4"}) {
+        if (has(key) && at(key, 0) > now)
+            return QString::fromLatin1(key);
+    }
+    return {};
+}
+
+ClockView::Next ClockView::next() const {
+    const double now = rig_.transport().clockNow();
+    if (inTotality()) {
+        const bool total = rig_.site().circ()->maxMagnitude >= 1;
+        return {total ? QStringLiteral("Totality, left") : QStringLiteral("Ring, left"), at("C3", 0) - now};
+    }
+    // The countdown goes to what one waits for: the phases, not the middle of one that has begun.
+    for (const char* key : {"C1", "C2", "C4"}) {
+        if (has(key) && at(key, 0) > now) {
+            const bool partialMaximum =
+                QLatin1String(key) == QLatin1String("C4") && !has("C2") && at("MAX", 0) > now;
+            return partialMaximum ? Next{QStringLiteral("MAX in"), at("MAX", 0) - now}
+                                  : Next{QString::fromLatin1(key) + QStringLiteral(" in"), at(key, 0) - now};
+        }
+    }
+    if (has("C4"))
+        return {QStringLiteral("C4 was"), at("C4", 0) - now};
+    return {QStringLiteral("No eclipse here. MAX elsewhere in"), at("MAX", 0) - now};
+}
+
+QString ClockView::countdownTitle() const {
+    return next().title;
+}
+
+QString ClockView::countdown() const {
+    const double left = next().seconds;
+    // What is left reaches zero at the event itself, so it counts whole seconds that are not over.
+    return (left < 0 ? QStringLiteral("−") : QString()) + digits(left < 0 ? left : std::ceil(left));
+}
+
+bool ClockView::lastMinute() const {
+    const double left = next().seconds;
+    return left >= 0 && left <= 60;
+}
+
+QString ClockView::phaseText() const {
+    const auto& circ = rig_.site().circ();
+    if (!circ || circ->maxMagnitude <= 0)
+        return QStringLiteral("This eclipse is not seen from here. Choose another site or eclipse.");
+    if (circ->totalitySeconds <= 0)
+        return qt(absl::StrFormat("No totality here: partial, magnitude %.3f, %.1f %% covered.",
+                                  circ->maxMagnitude, circ->maxObscuration * 100));
+    const char* phase = circ->maxMagnitude >= 1 ? "totality" : "ring";
+    return qt(absl::StrFormat("%s %s, magnitude %.4f", phase, minutesText(circ->totalitySeconds),
+                              circ->maxMagnitude));
+}
+
+QVariantList ClockView::contacts() const {
+    QVariantList rows;
+    const auto& circ = rig_.site().circ();
+    if (!circ)
+        return rows;
+    for (const eclipse::ContactEvent& event : circ->events) {
+        const bool down = event.sunAltDeg < 0;
+        rows.append(QVariantMap{
+            {QStringLiteral("key"), qt(event.key)},
+            {QStringLiteral("time"), qt(rig_.site().fmtClock(event.tHours * 3600))},
+            {QStringLiteral("alt"), qt(absl::StrFormat("%.0f°", event.sunAltDeg))},
+            {QStringLiteral("az"), qt(absl::StrFormat("%.0f°", event.sunAzDeg))},
+            {QStringLiteral("down"), down},
+            {QStringLiteral("words"),
+             qt(event.label) + (down ? QStringLiteral(", Sun below the horizon") : QString())},
+        });
+    }
+    return rows;
+}
+
+QString ClockView::nextShot() const {
+    const auto& captures = rig_.script().captures();
+    if (captures.empty())
+        return QStringLiteral("No frames in the script");
+    const double offset = rig_.fireLoop().nextOffset();
+    if (!std::isfinite(offset))
+        return QStringLiteral("All frames are behind the clock");
+    const auto& offsets = rig_.script().captureOffsets();
+    const auto index = static_cast<std::size_t>(std::ranges::lower_bound(offsets, offset) - offsets.begin());
+    const script::Capture& capture = captures[index];
+    const double left = offset - rig_.transport().clockNow();
+    return qt("next: " + capture.camera + "  " + capture.refLabel + "  " +
+              (capture.bulb ? std::string("BULB") : exposure::shutterLabel(capture.shutterSec)) + "  in ") +
+           digits(std::max(std::ceil(left), 0.0));
+}
+
+bool ClockView::jumpToLocalTime(const QString& text) {
+    return rig_.transport().jumpToLocalTime(text.toStdString());
+}
+
+void ClockView::jumpToContact(const QString& key) {
+    rig_.transport().jump(key.toStdString());
+}
+
+} // namespace zenka::ui

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "eclipse/EclipsePath.h"
+#include "geo/GeoPoint.h"
+
+#include <optional>
+#include <vector>
+
+namespace zenka::ui {
+
+/// The path of a central eclipse as a map draws it. The longitudes run on beyond 180 degrees, so that
+/// neighbouring points are always less than half the world apart.
+struct EclipseTrack {
+    std::vector<geo::GeoPoint> central;
+    std::vector<geo::GeoPoint> left;  ///< edge of the path to the left of the way of the shadow
+    std::vector<geo::GeoPoint> right; ///< the other edge
+    std::optional<eclipse::DurationPoint> greatest;
+};
+
+EclipseTrack trackOf(const eclipse::CentralPath& path, std::optional<eclipse::DurationPoint> greatest);
+
+/// Slow: not for the main thread.
+EclipseTrack computeTrack(const eclipse::Eclipse& eclipse);
+
+} // namespace zenka::ui

@@ -1,0 +1,64 @@
+#include "ui/Theme.h"
+
+#include "ports/Settings.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace zenka::ui {
+
+namespace {
+
+constexpr char themeKey[] = "zenka.theme";
+constexpr char scaleKey[] = "zenka.textScale";
+constexpr std::array<const char*, 3> names{"Sunlight", "Dark", "Night"};
+
+} // namespace
+
+Theme::Theme(ports::Settings& settings, QObject* parent) : QObject(parent), settings_(settings) {
+    if (const auto stored = settings.text(themeKey)) {
+        const auto found = std::ranges::find(names, *stored);
+        if (found != names.end())
+            kind_ = static_cast<Kind>(found - names.begin());
+    }
+    textScale_ = std::clamp(settings.number(scaleKey).value_or(1), 0.8, 1.8);
+}
+
+void Theme::setKind(Kind kind) {
+    if (kind_ == kind)
+        return;
+    kind_ = kind;
+    settings_.setText(themeKey, names[static_cast<std::size_t>(kind)]);
+    Q_EMIT changed();
+}
+
+void Theme::choose(const QString& name) {
+    const auto found = std::ranges::find(names, name.toStdString());
+    if (found != names.end())
+        setKind(static_cast<Kind>(found - names.begin()));
+}
+
+void Theme::cycle() {
+    setKind(static_cast<Kind>((static_cast<int>(kind_) + 1) % static_cast<int>(names.size())));
+}
+
+void Theme::setTextScale(double scale) {
+    textScale_ = std::clamp(scale, 0.8, 1.8);
+    settings_.setNumber(scaleKey, textScale_);
+    Q_EMIT changed();
+}
+
+QString Theme::name() const {
+    return QString::fromLatin1(names[static_cast<std::size_t>(kind_)]);
+}
+
+QColor Theme::pick(QRgb inSun, QRgb inDark, QRgb atNight) const {
+    return QColor(kind_ == Kind::sunlight ? inSun : kind_ == Kind::dark ? inDark : atNight);
+}
+
+int Theme::scaled(int pixels) const {
+    return static_cast<int>(std::lround(pixels * textScale_));
+}
+
+} // namespace zenka::ui

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "ui/Theme.h"
+#include "ui/TimelineView.h"
+
+#include <QPointer>
+#include <QQuickPaintedItem>
+
+namespace zenka::ui {
+
+/// The timeline's picture, and what pointer and keys do on it.
+class TimelineItem : public QQuickPaintedItem {
+    Q_OBJECT
+    Q_PROPERTY(zenka::ui::TimelineView* view READ view WRITE setView NOTIFY viewChanged)
+    Q_PROPERTY(zenka::ui::Theme* colors READ colors WRITE setColors NOTIFY colorsChanged)
+    Q_PROPERTY(bool compact READ compact WRITE setCompact NOTIFY compactChanged)
+    Q_PROPERTY(double roomyHeight READ roomyHeight NOTIFY roomyHeightChanged)
+
+public:
+    explicit TimelineItem(QQuickItem* parent = nullptr);
+    static void registerTypes();
+
+    TimelineView* view() const { return view_; }
+    void setView(TimelineView* view);
+    Theme* colors() const { return colors_; }
+    void setColors(Theme* colors);
+    bool compact() const { return compact_; }
+    void setCompact(bool compact);
+    /// The height at which every lane has room for its name.
+    double roomyHeight() const;
+
+    void paint(QPainter* painter) override;
+
+Q_SIGNALS:
+    void viewChanged();
+    void colorsChanged();
+    void compactChanged();
+    void roomyHeightChanged();
+    /// The chosen mark's lane, top and bottom in pixels.
+    void selectionChanged(double top, double bottom);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void hoverMoveEvent(QHoverEvent* event) override;
+    void hoverLeaveEvent(QHoverEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    TimelineLayout layout() const;
+    void playheadMoved();
+    void showSelection();
+    std::optional<FrameRef> markAt(const QPointF& point) const;
+    bool handleKey(int key, bool shift);
+
+    enum class Drag { none, pressed, scrubbing, panning };
+
+    QPointer<TimelineView> view_;
+    QPointer<Theme> colors_;
+    bool compact_ = false;
+    int playheadPixel_ = 0; // as painted
+    Drag drag_ = Drag::none;
+    QPointF dragFrom_;
+};
+
+} // namespace zenka::ui

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QObject>
+
+class QQmlApplicationEngine;
+class QQuickWindow;
+
+namespace zenka::rig {
+class RigModel;
+}
+
+namespace zenka::ports {
+struct Ports;
+}
+
+namespace zenka::ui {
+
+class AppView;
+class Commands;
+class Theme;
+
+/// The one window: its view models, its commands, and the QML that shows them. Made behind a
+/// QGuiApplication; the rig and the ports outlive it.
+class Window : public QObject {
+    Q_OBJECT
+
+public:
+    Window(rig::RigModel& rig, const ports::Ports& ports, const QString& version);
+    ~Window() override;
+
+    /// Shows the window; false, with the reason on the error stream, when its QML cannot be loaded. The
+    /// rig is started once the dashboard is up.
+    bool show();
+
+    QQuickWindow* quickWindow() const;
+    Commands& commands() { return *commands_; }
+    AppView& app() { return *app_; }
+    void chooseTheme(const QString& name);
+    /// The sheets that there are, by name.
+    static QStringList sheets();
+
+private:
+    void declareCommands(const QString& runLogs);
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    rig::RigModel& rig_;
+    AppView* app_ = nullptr;
+    Commands* commands_ = nullptr;
+    Theme* theme_ = nullptr;
+    QQmlApplicationEngine* engine_ = nullptr;
+};
+
+} // namespace zenka::ui

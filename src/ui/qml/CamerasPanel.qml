@@ -1,0 +1,103 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+
+// One card a body, and one for each camera of the script that has none.
+Rectangle {
+    id: panel
+    color: theme.panel
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 6
+        spacing: 6
+
+        RowLayout {
+            Layout.fillWidth: true
+            ZLabel { text: cameras.summary; font.weight: Font.Bold; Accessible.role: Accessible.Heading; wrapMode: Text.NoWrap; elide: Text.ElideRight; Layout.fillWidth: true }
+            ZButton {
+                id: addButton
+                text: "+ add"
+                Accessible.name: "Add a simulated body"
+                onClicked: addMenu.popup(addButton, 0, addButton.height)
+                Menu {
+                    id: addMenu
+                    width: 280
+                    background: Rectangle { color: theme.panel; border.color: theme.line }
+                    delegate: MenuLine {}
+                    MenuLine {
+                        enabled: false
+                        text: cameras.nextToken !== "" ? "Simulated body for " + cameras.nextToken : "Simulated body"
+                    }
+                    Instantiator {
+                        model: cameras.catalogue
+                        delegate: Menu {
+                            id: brandMenu
+                            required property var modelData
+                            title: modelData.brand
+                            width: 220
+                            background: Rectangle { color: theme.panel; border.color: theme.line }
+                            Repeater {
+                                model: brandMenu.modelData.models
+                                delegate: MenuLine {
+                                    required property string modelData
+                                    text: modelData
+                                    onTriggered: cameras.add(modelData)
+                                }
+                            }
+                        }
+                        onObjectAdded: (index, object) => addMenu.addMenu(object)
+                        onObjectRemoved: (index, object) => addMenu.removeMenu(object)
+                    }
+                }
+            }
+        }
+
+        ListView {
+            id: list
+            objectName: "cameraList"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            clip: true
+            spacing: 6
+            boundsBehavior: Flickable.StopAtBounds
+            cacheBuffer: 2000 // a card that scrolls out keeps the label that is being typed in it
+            model: cameras
+            ScrollBar.vertical: ZScrollBar {}
+            Accessible.role: Accessible.List
+            Accessible.name: "Cameras"
+            delegate: CameraCard { width: list.width - 12 }
+            // A plain column: a layout as the footer of a list never comes to rest.
+            footer: Column {
+                width: list.width - 12
+                topPadding: 8
+                spacing: 8
+                ZLabel {
+                    width: parent.width
+                    visible: text !== ""
+                    text: cameras.emptyText
+                    color: theme.quiet
+                }
+                ZButton {
+                    id: offerButton
+                    objectName: "addForScript"
+                    width: parent.width
+                    height: Math.max(implicitHeight, offerText.implicitHeight + 12)
+                    visible: cameras.offer !== ""
+                    text: cameras.offer
+                    strong: true
+                    onClicked: cameras.addForScript()
+                    contentItem: Text {
+                        id: offerText
+                        text: cameras.offer
+                        color: theme.accent
+                        font: offerButton.font
+                        wrapMode: Text.Wrap
+                        horizontalAlignment: Text.AlignHCenter
+                        verticalAlignment: Text.AlignVCenter
+                    }
+                }
+            }
+        }
+    }
+}

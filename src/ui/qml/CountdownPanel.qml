@@ -1,0 +1,77 @@
+import QtQuick
+import QtQuick.Layouts
+
+// The largest thing on the screen: how long until what comes next.
+Rectangle {
+    id: panel
+    color: theme.panel
+    property bool narrow: height < 220
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 10
+        spacing: 4
+
+        Text {
+            text: clock.countdownTitle
+            color: theme.text
+            font.pixelSize: theme.large
+            font.weight: Font.DemiBold
+            Layout.fillWidth: true
+            elide: Text.ElideRight
+        }
+        Text {
+            id: digits
+            objectName: "countdown"
+            text: clock.countdown
+            color: clock.inTotality || clock.lastMinute ? theme.accent : theme.text
+            font.family: theme.digits
+            font.bold: true
+            // In the last minute and in totality it fills the panel.
+            font.pixelSize: Math.min((panel.width - 20) / (text.length * 0.605),
+                                     clock.lastMinute || clock.inTotality ? panel.height * 0.45 : theme.huge * 1.4)
+            Layout.fillWidth: true
+            Accessible.name: clock.countdownTitle + " " + text
+        }
+        ZLabel {
+            text: clock.phaseText
+            Layout.fillWidth: true
+            maximumLineCount: 3
+            elide: Text.ElideRight
+        }
+        Rectangle { Layout.fillWidth: true; implicitHeight: 1; color: theme.line; visible: !panel.narrow }
+        Repeater {
+            model: panel.narrow ? [] : clock.contacts
+            delegate: RowLayout {
+                required property var modelData
+                Layout.fillWidth: true
+                spacing: 10
+                Accessible.role: Accessible.StaticText
+                Accessible.name: modelData.words + " at " + modelData.time
+                Text {
+                    text: modelData.key
+                    color: clock.nextContact === modelData.key ? theme.accent : theme.text
+                    font.pixelSize: theme.normal
+                    font.bold: clock.nextContact === modelData.key
+                    Layout.preferredWidth: theme.normal * 3
+                }
+                Text {
+                    text: modelData.time
+                    color: theme.text
+                    font.family: theme.digits
+                    font.pixelSize: theme.normal
+                    font.weight: theme.weight
+                }
+                Text {
+                    text: (modelData.down ? "▼ " : "") + "alt " + modelData.alt + "  az " + modelData.az
+                    color: theme.quiet
+                    font.family: theme.digits
+                    font.pixelSize: theme.normal
+                    elide: Text.ElideRight
+                    Layout.fillWidth: true
+                }
+            }
+        }
+        Item { Layout.fillHeight: true }
+    }
+}

@@ -1,0 +1,111 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+
+ApplicationWindow {
+    id: window
+    color: theme.page
+    // Between the drawn size and the smallest one, panels give way by their weight: what matters in the last
+    // minutes stays, sky, cameras and log become tabs.
+    property bool small: height < 640 || width < 1120
+
+    // A solid bar over the whole top edge tells a live run from a simulation at a glance.
+    header: Column {
+        Rectangle {
+            width: window.width
+            height: clock.live ? 10 : 4
+            color: clock.live ? theme.bad : theme.quiet
+        }
+        TopBar { width: window.width }
+    }
+
+    // Night lets no pointer of the desktop's colours through.
+    HoverHandler { cursorShape: theme.night ? Qt.BlankCursor : Qt.ArrowCursor; enabled: theme.night }
+
+    FocusScope {
+        id: dashboard
+        anchors.fill: parent
+        enabled: app.sheet === ""
+        focus: app.sheet === ""
+
+        ColumnLayout {
+            anchors.fill: parent
+            spacing: 4
+
+            PromptBar { Layout.fillWidth: true; visible: app.prompt !== "" }
+
+            RowLayout {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.minimumHeight: 120
+                spacing: 4
+                CountdownPanel {
+                    Layout.preferredWidth: window.small ? window.width * 0.44 : Math.max(300, window.width * 0.24)
+                    Layout.fillHeight: true
+                }
+                PanelSlot {
+                    visible: !window.small
+                    active: !window.small
+                    source: "SkyPanel.qml"
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                }
+                PanelSlot {
+                    visible: !window.small
+                    active: !window.small
+                    source: "CamerasPanel.qml"
+                    Layout.preferredWidth: Math.max(280, window.width * 0.22)
+                    Layout.fillHeight: true
+                }
+                TabPane {
+                    visible: window.small
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                }
+            }
+            PanelSlot {
+                source: "TimelinePanel.qml"
+                Layout.fillWidth: true
+                Layout.preferredHeight: window.small ? 84 : Math.max(150, window.height * 0.24)
+                
+            }
+            TransportBar { Layout.fillWidth: true }
+            PanelSlot {
+                source: "StatusStrip.qml"
+                visible: window.small
+                active: window.small
+                Layout.fillWidth: true
+                Layout.preferredHeight: (theme.normal + 8) * 2
+            }
+            PanelSlot {
+                source: "LogPanel.qml"
+                visible: !window.small
+                active: !window.small
+                Layout.fillWidth: true
+                Layout.preferredHeight: 120
+            }
+        }
+    }
+
+    Loader {
+        id: sheetLoader
+        anchors.fill: parent
+        focus: app.sheet !== ""
+        active: app.sheet !== ""
+        source: app.sheet === "" ? "" : app.sheet + "Sheet.qml"
+        onLoaded: item.forceActiveFocus()
+    }
+
+    Instantiator {
+        model: commands
+        delegate: Shortcut {
+            required property string commandId
+            required property string shortcut
+            required property bool standard
+            sequence: shortcut
+            enabled: shortcut !== "" && !standard
+            context: Qt.ApplicationShortcut
+            onActivated: commands.trigger(commandId)
+        }
+    }
+}

@@ -1,0 +1,68 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+
+// A sheet over the dashboard: one column, closed with Escape. The countdown stays to be seen while a run is on.
+FocusScope {
+    id: frame
+    property string title
+    property int sheetWidth: 720
+    property bool grow: false // takes all the room there is
+    default property alias content: body.data
+
+    anchors.fill: parent
+    focus: true
+    Keys.onEscapePressed: app.closeSheet()
+    Accessible.role: Accessible.Dialog
+    Accessible.name: title
+
+    Rectangle {
+        anchors.fill: parent
+        color: theme.page
+        opacity: 0.8
+        MouseArea { anchors.fill: parent; hoverEnabled: true; onWheel: (wheel) => wheel.accepted = true }
+    }
+    Rectangle {
+        id: box
+        width: frame.grow ? parent.width - 24 : Math.min(parent.width - 24, frame.sheetWidth)
+        height: frame.grow ? parent.height - 24 : Math.min(parent.height - 24, column.implicitHeight + 32)
+        anchors.centerIn: parent
+        color: theme.panel
+        border.color: theme.line
+        border.width: 1
+        radius: 6
+        ColumnLayout {
+            id: column
+            anchors.fill: parent
+            anchors.margins: 16
+            spacing: 12
+            RowLayout {
+                Layout.fillWidth: true
+                Label {
+                    text: frame.title
+                    color: theme.text
+                    font.pixelSize: theme.large
+                    font.weight: Font.DemiBold
+                    elide: Text.ElideRight
+                    Layout.fillWidth: true
+                    Accessible.role: Accessible.Heading
+                }
+                Label {
+                    visible: clock.runActive
+                    text: clock.countdownTitle + " " + clock.countdown
+                    color: theme.accent
+                    font.family: theme.digits
+                    font.pixelSize: theme.large
+                    font.bold: true
+                }
+                ZButton { text: "Close"; onClicked: app.closeSheet(); Accessible.name: "Close " + frame.title }
+            }
+            Item {
+                id: body
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                implicitHeight: frame.grow ? 0 : childrenRect.height
+            }
+        }
+    }
+}

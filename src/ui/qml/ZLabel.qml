@@ -1,0 +1,8 @@
+import QtQuick
+
+Text {
+    color: theme.text
+    font.pixelSize: theme.normal
+    font.weight: theme.weight
+    wrapMode: Text.Wrap
+}

@@ -1,0 +1,106 @@
+#include "ui/CamerasView.h"
+
+#include "support/VirtualRig.h"
+
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace zenka;
+using test::VirtualRig;
+using Role = ui::CamerasView::Role;
+
+namespace {
+
+class CamerasView : public testing::Test {
+protected:
+    std::string at(int row, int role) { return view.data(view.index(row), role).toString().toStdString(); }
+    bool is(int row, int role) { return view.data(view.index(row), role).toBool(); }
+    QString id(int row) { return view.data(view.index(row), Role::IdRole).toString(); }
+
+    VirtualRig rig;
+    ui::CamerasView view{rig.model, nullptr};
+};
+
+} // namespace
+
+TEST_F(CamerasView, theScriptsCamerasWithoutABodyAreListedAndFilledInTurn) {
+    rig.load("");
+    EXPECT_EQ(view.rowCount(), 0);
+    EXPECT_FALSE(view.emptyText().isEmpty());
+    EXPECT_TRUE(view.offer().isEmpty());
+    rig.load(rig.frameAt(1, "CAM1") + rig.frameAt(2, "CAM2") + rig.frameAt(3, "CAM2"));
+    EXPECT_EQ(view.summary(), "No bodies, 2 missing");
+    EXPECT_EQ(at(1, Role::DetailsRole), "missing · 2 frames in the script");
+    EXPECT_EQ(view.nextToken(), "CAM1");
+    view.add(QStringLiteral("DC-GH6"));
+    EXPECT_EQ(view.summary(), "1 body, 1 missing");
+    EXPECT_EQ(at(0, Role::LabelRole), "CAM1");
+    EXPECT_EQ(at(0, Role::ModelRole), "GH6");
+    EXPECT_EQ(at(0, Role::DetailsRole), "simulated · connected");
+    EXPECT_EQ(view.offer(), "Add a simulated body for CAM2");
+    view.addForScript();
+    EXPECT_EQ(view.summary(), "2 bodies");
+    view.add(QStringLiteral("Z8"));
+    EXPECT_EQ(at(2, Role::LabelRole), "Z8") << "no camera is left to stand for";
+    EXPECT_FALSE(is(2, Role::UsedRole));
+    view.remove(id(0));
+    EXPECT_EQ(view.nextToken(), "CAM1");
+}
+
+TEST_F(CamerasView, oneBodyForEachCameraEvenWhenANameContainsAnother) {
+    rig.load(rig.frameAt(1, "CAM1") + rig.frameAt(2, "CAM10") + rig.frameAt(3, "cam1"));
+    view.addForScript();
+    EXPECT_EQ(rig.model.roster().cameras().size(), 2U);
+    EXPECT_TRUE(view.offer().isEmpty());
+}
+
+TEST_F(CamerasView, aLabelIsTakenOnlyIfItTellsTheBodyApart) {
+    view.add(QStringLiteral("Z8"));
+    view.add(QStringLiteral("Z9"));
+    EXPECT_FALSE(view.setLabel(id(0), QStringLiteral("  ")));
+    EXPECT_FALSE(view.setLabel(id(0), QStringLiteral("z9")));
+    EXPECT_TRUE(view.labelFault(id(0), QStringLiteral("z9")).startsWith(QStringLiteral("Another body")));
+    EXPECT_TRUE(view.setLabel(id(0), QStringLiteral(" Wide ")));
+    EXPECT_EQ(at(0, Role::LabelRole), "Wide");
+    EXPECT_TRUE(view.setLabel(id(0), QStringLiteral("wide"))) << "its own in other letters";
+}
+
+TEST_F(CamerasView, cardsFollowTheFrames) {
+    rig.load(rig.frameAt(0) + rig.frameAt(1) + rig.frameAt(2, "CAM2"));
+    const auto body = rig.addBody("CAM1");
+    body->outcomes = {{.ok = true, .latencyMs = 212, .responded = true}, test::refusal()};
+    EXPECT_EQ(at(0, Role::StatusLineRole), "● CAM1  gphoto2 · connected");
+    rig.playFrom(-1);
+    rig.run(1.5);
+    EXPECT_EQ(at(0, Role::CountsRole), "● 1");
+    EXPECT_EQ(at(0, Role::DroppedRole), "");
+    EXPECT_EQ(at(0, Role::StateRole), "ready");
+    EXPECT_TRUE(at(0, Role::StatusLineRole).ends_with("ISO 200 f/8 1/500  ✓ 212ms"))
+        << at(0, Role::StatusLineRole);
+    EXPECT_TRUE(is(0, Role::RunRole));
+    rig.run(2);
+    EXPECT_EQ(at(0, Role::DroppedRole), "▲ 1 dropped");
+    EXPECT_EQ(at(0, Role::SymbolRole), "▲");
+    EXPECT_EQ(at(0, Role::WarningRole), "Dropped: dropped, camera busy");
+    EXPECT_TRUE(at(0, Role::StatusLineRole).starts_with("▲ CAM1  dropped: "));
+    EXPECT_EQ(at(1, Role::CountsRole), "□ 1 without a body");
+    body->disconnect();
+    rig.run(3);
+    EXPECT_EQ(at(0, Role::StateRole), "gone");
+}
+
+TEST_F(CamerasView, cardsThatStayAreNotMadeAnewSoThatALabelCanBeTyped) {
+    rig.load(rig.frameAt(1, "CAM1"));
+    rig.addBody("X");
+    rig.addBody("Y");
+    QSignalSpy resets(&view, &QAbstractItemModel::modelReset);
+    QSignalSpy removed(&view, &QAbstractItemModel::rowsRemoved);
+    rig.addBody("CAM1"); // the missing card goes, a body's comes
+    rig.playFrom(0);
+    rig.run(3);
+    view.remove(id(1));
+    EXPECT_EQ(resets.count(), 0);
+    EXPECT_EQ(removed.count(), 2);
+    EXPECT_EQ(view.rowCount(), 2);
+    EXPECT_EQ(at(1, Role::LabelRole), "CAM1");
+}

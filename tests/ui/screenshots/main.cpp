@@ -1,0 +1,85 @@
+// Renders the window and every sheet in the three themes at full and minimum size into a folder.
+// Usage: screenshots DIR
+
+#include "support/VirtualRig.h"
+#include "ui/AppView.h"
+#include "ui/Window.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QQuickWindow>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+using namespace zenka;
+
+std::string example() {
+    std::ifstream file(std::filesystem::path(ZENKA_SOURCE_DIR) / "examples" / "total-two-bodies.zenka");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class Album {
+public:
+    Album(ui::Window& window, std::filesystem::path folder) : window_(window), folder_(std::move(folder)) {}
+
+    void shoot(const std::string& name) {
+        for (int i = 0; i < 20; ++i)
+            QCoreApplication::processEvents();
+        const QImage image = window_.quickWindow()->grabWindow();
+        const auto path = folder_ / (name + ".png");
+        if (!image.save(QString::fromStdString(path.string())))
+            std::fprintf(stderr, "cannot write %s\n", path.c_str());
+        else
+            std::printf("%s\n", path.c_str());
+    }
+
+private:
+    ui::Window& window_;
+    std::filesystem::path folder_;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: screenshots DIR\n");
+        return 2;
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+    QGuiApplication application(argc, argv);
+    std::filesystem::create_directories(argv[1]);
+
+    test::VirtualRig rig;
+    ui::Window window(rig.model, rig.machine.all, QStringLiteral("0.1.0"));
+    if (!window.show())
+        return 1;
+    window.app().closeSheet();
+    rig.model.script().load(example(), "total-two-bodies.zenka");
+    rig.model.script().compile();
+    for (const char* label : {"CAM1", "CAM2"})
+        rig.model.roster().setLabel(*rig.model.roster().addPlanningCamera("Generic PTP"), label);
+    rig.playFrom(rig.model.site().contactTHours().at("C2") * 3600 - 600);
+    rig.run(590); // ten seconds before totality
+
+    Album album(window, argv[1]);
+    for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
+        window.quickWindow()->resize(size);
+        for (const char* theme : {"Sunlight", "Dark", "Night"}) {
+            window.chooseTheme(QString::fromLatin1(theme));
+            const std::string suffix = "-" + std::string(theme) + "-" + std::to_string(size.width());
+            album.shoot("dashboard" + suffix);
+            for (const QString& sheet : window.sheets()) {
+                window.app().openSheet(sheet);
+                album.shoot(sheet.toStdString() + suffix);
+                window.app().closeSheet();
+            }
+        }
+    }
+}
