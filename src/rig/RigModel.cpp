@@ -52,6 +52,7 @@ void RigModel::recompute() {
 }
 
 void RigModel::handleAppWillTerminate() {
+    script_.keep();
     logbook_.closeForExit();
     keeper_.closeForExit();
 }

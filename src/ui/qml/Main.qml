@@ -5,6 +5,22 @@ import QtQuick.Layouts
 ApplicationWindow {
     id: window
     color: theme.page
+    // For what the toolkit draws by itself, such as its file dialog.
+    palette {
+        window: theme.panel
+        windowText: theme.text
+        base: theme.page
+        alternateBase: theme.panel
+        text: theme.text
+        button: theme.panel
+        buttonText: theme.text
+        highlight: theme.accent
+        highlightedText: theme.page
+        mid: theme.line
+        dark: theme.line
+        light: theme.panel
+        placeholderText: theme.quiet
+    }
     // Between the drawn size and the smallest one, panels give way by their weight: what matters in the last
     // minutes stays, sky, cameras and log become tabs.
     property bool small: height < 640 || width < 1120
