@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <sstream>
+#include <vector>
 
 namespace fs = std::filesystem;
 using zenka::test::Child;
@@ -30,6 +32,28 @@ std::string onlyCsvBelow(const fs::path& folder) {
         }
     }
     return {};
+}
+
+/// The offsets of the frames in all CSVs below a folder, by file.
+std::vector<std::vector<double>> offsetsBelow(const fs::path& folder) {
+    std::vector<fs::path> files;
+    for (const auto& file : fs::recursive_directory_iterator(folder)) {
+        if (file.path().extension() == ".csv")
+            files.push_back(file.path());
+    }
+    std::ranges::sort(files, {}, [](const fs::path& file) { return fs::last_write_time(file); });
+    std::vector<std::vector<double>> offsets;
+    for (const fs::path& file : files) {
+        offsets.emplace_back();
+        std::ifstream stream(file);
+        for (std::string line; std::getline(stream, line);) {
+            if (line.find(",sim,") == std::string::npos)
+                continue;
+            const auto first = line.find(',', line.find(',') + 1) + 1;
+            offsets.back().push_back(std::stod(line.substr(first)));
+        }
+    }
+    return offsets;
 }
 
 double now() {
@@ -95,4 +119,37 @@ TEST(Kill, noRowThatTheOperatorReadOfIsLost) {
     }
     EXPECT_GT(rowsInAll, 20 * kills) << "the runs were really under way";
     std::printf("%d kills, %d rows, none lost\n", kills, rowsInAll);
+}
+
+// Started again after a kill, the program offers the run, takes the clock from real time, and fires what is
+// still ahead: no frame twice, none late.
+TEST(Kill, aKilledLiveRunGoesOnWhereTheClockIs) {
+    std::mt19937 random(std::random_device{}());
+    for (int i = 0; i < 3; ++i) {
+        std::string name = fs::temp_directory_path() / "zenka o'resume XXXXXX";
+        ASSERT_NE(mkdtemp(name.data()), nullptr);
+        std::string before;
+        {
+            Child killed({ZENKA_LIVE_RUN_CHILD, name, "200", "0.05"});
+            const double dies = now() + std::uniform_real_distribution(3.0, 5.0)(random);
+            while (now() < dies)
+                before += killed.readWithin(std::chrono::milliseconds(20));
+        }
+        std::string after;
+        {
+            Child again({ZENKA_LIVE_RUN_CHILD, name});
+            const double enough = now() + 3;
+            while (now() < enough)
+                after += again.readWithin(std::chrono::milliseconds(20));
+        }
+        EXPECT_EQ(countLines(after, "offered"), 1) << after;
+        EXPECT_EQ(countLines(after, "RESUMED real run"), 1);
+        EXPECT_EQ(countLines(after, "SKIPPED"), 0);
+        EXPECT_GT(countLines(after, "● "), 20);
+        const auto runs = offsetsBelow(name);
+        ASSERT_EQ(runs.size(), 2U) << "the old log stands, and a new one begins";
+        ASSERT_FALSE(runs[0].empty() || runs[1].empty());
+        EXPECT_GT(std::ranges::min(runs[1]), std::ranges::max(runs[0])) << "no frame twice";
+        fs::remove_all(name);
+    }
 }
