@@ -15,7 +15,7 @@ public:
     std::filesystem::path temporary() const override { return temporary_; }
 
     /// The base folder that a variable names, else the usual one, which stands in the user's home. A relative
-    /// name is to be taken for none (XDG Base Directory Specification).
+    /// name is to be taken for none (XDG base directories, freedesktop.org).
     static std::filesystem::path base(const char* variable, const char* usual);
 
 private:
