@@ -20,7 +20,6 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QGuiApplication>
-#include <QKeyEvent>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QQuickStyle>
@@ -170,10 +169,6 @@ void Window::declareCommands(const QString& runLogs) {
     add("openScriptGuide", "Help", "Script Language Guide", "",
         guide("Script Language Guide", "script-language.md"));
     add("showKeys", "Help", "Keys", "F1", sheet("Keys"));
-}
-
-bool Window::eventFilter(QObject* watched, QEvent* event) {
-    return QObject::eventFilter(watched, event);
 }
 
 } // namespace zenka::ui

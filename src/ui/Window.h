@@ -41,7 +41,6 @@ public:
 
 private:
     void declareCommands(const QString& runLogs);
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
     rig::RigModel& rig_;
     AppView* app_ = nullptr;
