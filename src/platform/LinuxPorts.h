@@ -6,6 +6,7 @@
 #include "platform/LinuxFireTimer.h"
 #include "platform/LinuxKeepAwake.h"
 #include "platform/LinuxStallSampler.h"
+#include "platform/QtHttpClient.h"
 #include "platform/QtMainLoop.h"
 #include "platform/ThreadWorkQueues.h"
 #include "ports/Ports.h"
@@ -17,7 +18,8 @@ namespace zenka::platform {
 class LinuxPorts {
 public:
     LinuxPorts(ports::Settings& settings, ports::Folders& folders)
-        : all{clock, loop, queues, fireTimer, settings, folders, files, keepAwake, stallSampler, places} {}
+        : all{clock, loop,      queues,       fireTimer, settings, folders,
+              files, keepAwake, stallSampler, places,    http} {}
 
     LinuxClock clock;
     QtMainLoop loop;
@@ -27,6 +29,7 @@ public:
     LinuxKeepAwake keepAwake;
     LinuxStallSampler stallSampler;
     BundledPlaceLookup places;
+    QtHttpClient http{loop};
     ports::Ports all;
 };
 

@@ -4,6 +4,7 @@
 #include "ports/Files.h"
 #include "ports/FireTimer.h"
 #include "ports/Folders.h"
+#include "ports/HttpClient.h"
 #include "ports/KeepAwake.h"
 #include "ports/MainLoop.h"
 #include "ports/PlaceLookup.h"
@@ -25,6 +26,7 @@ struct Ports {
     KeepAwake& keepAwake;
     StallSampler& stallSampler;
     PlaceLookup& places;
+    HttpClient& http;
 };
 
 } // namespace zenka::ports

@@ -19,7 +19,15 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion)
         transport_.followSite();
         script_.compile();
     });
-    site_.movedAway().connect([this] { sites_.resolveTimeZone(); });
+    site_.movedAway().connect([this] {
+        sites_.resolveTimeZone();
+        sites_.lookUpElevation();
+    });
+    // A run under way keeps the site that it began with.
+    sites_.elevationFound().connect([this](double metres) {
+        if (!transport_.runActive())
+            sites_.takeElevation(metres);
+    });
     script_.compiled().connect([this] {
         outcomes_.clearResults();
         resetFiredTracking();

@@ -16,6 +16,7 @@ inline constexpr char defaultScriptPath[] = "zenka.defaultScriptPath";
 inline constexpr char welcomeSeen[] = "zenka.welcomeSeen";
 inline constexpr char simClock[] = "eclipse.simClock"; ///< "eclipseId|clock"
 
+inline constexpr char elevationHost[] = "zenka.elevationHost"; ///< address before "/v1/elevation"
 inline constexpr char eclipseDayPromptedPrefix[] = "zenka.eclipseDayPrompted."; ///< + id: the day, ISO 8601
 
 } // namespace zenka::rig::settingsKeys

@@ -21,7 +21,7 @@ std::string estimatedZone(double lon) {
 } // namespace
 
 SiteBook::SiteBook(const ports::Ports& ports, RigLog& log, SiteDesk& desk)
-    : ports_(ports), log_(log), desk_(desk), store_(ports) {
+    : ports_(ports), log_(log), desk_(desk), store_(ports), ground_(ports) {
 }
 
 void SiteBook::restore() {
@@ -88,6 +88,8 @@ void SiteBook::moveTo(double lat, double lon, std::optional<double> elev, bool c
     desk_.setSite(std::move(site));
     desk_.confirmLocation(confirmed);
     resolveTimeZone();
+    if (!elev)
+        lookUpElevation();
 }
 
 void SiteBook::setLocationFromGPS(double lat, double lon, double altitude) {
@@ -117,6 +119,24 @@ void SiteBook::refreshSitePlace() {
         site.label = *std::move(place);
         desk_.setSite(std::move(site));
     }
+}
+
+void SiteBook::lookUpElevation() {
+    const Site asked = desk_.site();
+    ground_.ask(asked.lat, asked.lon, [this, asked](std::optional<double> metres) {
+        const Site& site = desk_.site();
+        const bool unmoved = site.lat == asked.lat && site.lon == asked.lon && site.elev == asked.elev;
+        if (metres && unmoved && *metres != site.elev)
+            elevationFound_.emit(*metres);
+    });
+}
+
+void SiteBook::takeElevation(double metres) {
+    Site site = desk_.site();
+    site.elev = metres;
+    desk_.setSite(std::move(site));
+    log_.pushLog(absl::StrFormat("Elevation set to %.0f m, from the elevation service.", metres));
+    desk_.recompute();
 }
 
 void SiteBook::change(std::vector<SavedSite> sites) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Published.h"
+#include "rig/GroundHeight.h"
 #include "rig/RigLog.h"
 #include "rig/SiteDesk.h"
 #include "rig/SiteStore.h"
@@ -30,7 +31,8 @@ public:
     void setDefaultSite(const std::optional<std::string>& id);
     std::optional<std::string> defaultSiteId() const;
 
-    /// Moves the site to a point, with the zone and the name of the place that are looked up there.
+    /// Moves the site to a point, with the zone and the name of the place that are looked up there, and its
+    /// height where none is given.
     void moveTo(double lat, double lon, std::optional<double> elev, bool confirmed);
     void setLocationFromGPS(double lat, double lon, double altitude);
 
@@ -38,6 +40,14 @@ public:
     void resolveTimeZone();
     /// Takes the name of the place at the current point, if it has one.
     void refreshSitePlace();
+    /// Asks the elevation service for the height of the current point. Without an answer, or when the site
+    /// has changed before it comes, nothing happens.
+    void lookUpElevation();
+    void takeElevation(double metres);
+
+    /// The height of the current point has come, in metres.
+    sigc::signal<void(double)>& elevationFound() { return elevationFound_; }
+    GroundHeight& ground() { return ground_; }
 
 private:
     void change(std::vector<SavedSite> sites);
@@ -46,6 +56,8 @@ private:
     RigLog& log_;
     SiteDesk& desk_;
     SiteStore store_;
+    GroundHeight ground_;
+    sigc::signal<void(double)> elevationFound_;
     base::Published<std::vector<SavedSite>> savedSites_;
 };
 

@@ -44,6 +44,8 @@ void LocationView::begin() {
     base_ = std::make_unique<rig::Site>(rig_.site().site());
     baseEclipse_ = rig_.site().eclipseId();
     draft_->take(*base_);
+    elevNote_.clear();
+    heightAwaited_ = false;
     Q_EMIT draftChanged();
 }
 
@@ -69,6 +71,7 @@ bool LocationView::apply() {
     if (!fine)
         return false;
     const rig::Site& site = draft_->site();
+    const bool heightAwaited = heightAwaited_;
     rig_.site().setSite(site);
     rig_.site().confirmLocation(true);
     if (site.tzId.empty())
@@ -76,6 +79,8 @@ bool LocationView::apply() {
     else
         rig_.site().recompute();
     begin();
+    if (heightAwaited)
+        rig_.sites().lookUpElevation();
     return true;
 }
 
@@ -91,6 +96,8 @@ void LocationView::typeLongitude(const QString& text) {
 
 void LocationView::typeElevation(const QString& text) {
     draft_->type(Field::elev, text.toStdString());
+    elevNote_.clear();
+    heightAwaited_ = false;
     Q_EMIT draftChanged();
 }
 
@@ -137,10 +144,13 @@ void LocationView::takeResult(int index) {
     site.label = place[QStringLiteral("label")].toString().toStdString();
     site.tzId = ports_.places.zoneAt(site.lat, site.lon).value_or(std::string());
     takeSite(std::move(site));
+    askHeight();
 }
 
 void LocationView::takeSite(rig::Site site) {
     draft_->take(std::move(site));
+    elevNote_.clear();
+    heightAwaited_ = false;
     Q_EMIT draftChanged();
     Q_EMIT pointWanted();
 }
@@ -220,12 +230,35 @@ void LocationView::goToGreatest() {
     site.label = "Greatest duration";
     site.tzId = ports_.places.zoneAt(point.lat, point.lon).value_or(std::string());
     takeSite(std::move(site));
+    askHeight();
 }
 
 void LocationView::takePoint(const geo::GeoPoint& point, int decimals) {
     const double unit = std::pow(10.0, decimals);
     draft_->moveTo(std::round(point.lat * unit) / unit, std::round(point.lon * unit) / unit);
+    askHeight();
+}
+
+/// The height of a point that was picked comes from the network, and only if the network has it.
+void LocationView::askHeight() {
+    if (rig_.sites().ground().host().empty())
+        return;
+    heightAwaited_ = true;
+    elevNote_ = QStringLiteral("Asking for the height of the ground…");
     Q_EMIT draftChanged();
+    const auto arrive = [this, number = ++heightsAsked_](std::optional<double> metres) {
+        if (!heightAwaited_ || number != heightsAsked_)
+            return; // typed over, or another point was picked meanwhile
+        heightAwaited_ = false;
+        if (metres)
+            draft_->setElevation(*metres);
+        elevNote_ = metres ? QStringLiteral("The height of the ground here.")
+                           : QStringLiteral("The elevation service did not answer, so the elevation is left "
+                                            "as it was. Type the height of your place.");
+        Q_EMIT draftChanged();
+    };
+    const rig::Site& site = draft_->site();
+    rig_.sites().ground().ask(site.lat, site.lon, lifeline_.guard(arrive));
 }
 
 void LocationView::probe(const geo::GeoPoint& point, int decimals) {

@@ -41,6 +41,7 @@ class LocationView : public QObject {
     Q_PROPERTY(QString lonFault READ lonFault NOTIFY draftChanged)
     Q_PROPERTY(QString elevFault READ elevFault NOTIFY draftChanged)
     Q_PROPERTY(QString zoneFault READ zoneFault NOTIFY draftChanged)
+    Q_PROPERTY(QString elevNote READ elevNote NOTIFY draftChanged)
     Q_PROPERTY(QString zoneNote READ zoneNote NOTIFY draftChanged)
     Q_PROPERTY(QString summary READ summary NOTIFY draftChanged)
     Q_PROPERTY(bool edited READ edited NOTIFY draftChanged)
@@ -101,6 +102,7 @@ public:
     QString lonFault() const;
     QString elevFault() const;
     QString zoneFault() const;
+    QString elevNote() const { return elevNote_; }
     QString zoneNote() const;
     /// The eclipse at the site of the fields.
     QString summary() const;
@@ -133,12 +135,16 @@ private:
     void begin();
     void computeTrack();
     void takeSite(rig::Site site);
+    void askHeight();
 
     rig::RigModel& rig_;
     const ports::Ports& ports_;
     std::unique_ptr<SiteDraft> draft_;
     std::unique_ptr<rig::Site> base_; ///< the site in use when the typing began
     std::string baseEclipse_;
+    QString elevNote_;
+    int heightsAsked_ = 0;
+    bool heightAwaited_ = false;
     QVariantList results_;
     QString searchNote_;
     QString saveFault_;

@@ -42,10 +42,15 @@ void SiteDraft::take(rig::Site site) {
     site_ = std::move(site);
     fields_ = {};
     labelTyped_ = zoneTyped_ = false;
-    at(Field::elev).text = absl::StrFormat("%.9g", site_.elev);
+    setElevation(site_.elev);
     at(Field::label).text = site_.label;
     at(Field::zone).text = site_.tzId;
     showPoint();
+}
+
+void SiteDraft::setElevation(double metres) {
+    site_.elev = metres;
+    at(Field::elev) = {.text = absl::StrFormat("%.9g", metres), .fault = {}};
 }
 
 void SiteDraft::moveTo(double lat, double lon) {

@@ -22,6 +22,7 @@ public:
     /// Moves to a point. Zone and label are looked up there, unless they were typed.
     void moveTo(double lat, double lon);
     void type(Field field, const std::string& text);
+    void setElevation(double metres);
 
     /// Looks at every field; true when there is no fault.
     bool check();

@@ -32,7 +32,7 @@ int MemoryFiles::count(const std::string& ending) const {
         contents, [&](const auto& file) { return file.first.string().ends_with(ending); }));
 }
 
-VirtualRig::VirtualRig() : machine(anHourBefore(), folders, files, places), model(machine.all, "9.9") {
+VirtualRig::VirtualRig() : machine(anHourBefore(), folders, files, places, http), model(machine.all, "9.9") {
     model.log().lineAdded().connect([this](const std::string& line) { lines.push_back(line); });
     model.recompute();
     model.fireClock().startClock();

@@ -5,6 +5,7 @@
 #include "support/FakePlaces.h"
 #include "support/MemoryFiles.h"
 #include "support/ScriptedCamera.h"
+#include "support/ScriptedHttp.h"
 
 #include <memory>
 #include <string>
@@ -21,6 +22,7 @@ public:
     MemoryFiles files;
     MemoryFolders folders;
     FakePlaces places;
+    ScriptedHttp http;
     platform::VirtualPorts machine;
     rig::RigModel model;
 

@@ -182,6 +182,32 @@ TEST_F(LocationViewTest, whatWasTypedOutlivesTheSheetUnlessTheSiteIsMovedElsewhe
     EXPECT_EQ(view->latText(), "43");
 }
 
+TEST_F(LocationViewTest, thePickedPointGetsItsHeightUnlessOneWasTypedMeanwhile) {
+    view->takePoint({.lat = 41, .lon = -3}, 2);
+    view->takePoint({.lat = 42, .lon = -3}, 2);
+    EXPECT_NE(view->elevNote(), QString());
+    rig.http.answer(200, R"({"elevation": [11]})");
+    EXPECT_EQ(view->elevText(), "200") << "the answer for the point before";
+    rig.http.answer(200, R"({"elevation": [930]})");
+    EXPECT_EQ(view->elevText(), "930");
+
+    view->takePoint({.lat = 43, .lon = -3}, 2);
+    view->typeElevation("5");
+    rig.http.answer(200, R"({"elevation": [44]})");
+    EXPECT_EQ(view->elevText(), "5");
+
+    view->takePoint({.lat = 44, .lon = -3}, 2);
+    rig.http.fail("there is no network");
+    EXPECT_EQ(view->elevText(), "5");
+    EXPECT_TRUE(view->elevNote().contains("did not answer"));
+
+    view->takePoint({.lat = 42, .lon = -2}, 2);
+    ASSERT_TRUE(view->apply()) << "nobody has to wait for it";
+    while (!rig.http.waiting.empty())
+        rig.http.answer(200, R"({"elevation": [77]})");
+    EXPECT_EQ(site().elev, 77);
+}
+
 TEST_F(LocationViewTest, aClosedProgramIsNotReachedByItsPath) {
     view.reset();
     rig.run(0.1); // the path arrives after its view has gone

@@ -118,6 +118,19 @@ void VirtualFireTimer::stop() {
     time_.cancel(wake_);
 }
 
+ports::HttpClient::RequestId NoHttp::send(ports::HttpRequest, Done done) {
+    const auto timer = loop_.after(base::Seconds{0}, [done = std::move(done)] {
+        ports::HttpReply reply;
+        reply.fault = "there is no network";
+        done(reply);
+    });
+    return RequestId{static_cast<std::uint64_t>(timer)};
+}
+
+void NoHttp::cancel(RequestId request) {
+    loop_.cancel(ports::MainLoop::TimerId{static_cast<std::uint64_t>(request)});
+}
+
 namespace {
 
 template <typename T, typename Values>

@@ -2,6 +2,7 @@
 
 #include "platform/virtual/VirtualTime.h"
 #include "ports/FireTimer.h"
+#include "ports/HttpClient.h"
 #include "ports/KeepAwake.h"
 #include "ports/MainLoop.h"
 #include "ports/PlaceLookup.h"
@@ -96,6 +97,17 @@ public:
     std::optional<std::string> zoneAt(double, double) const override { return std::nullopt; }
     std::optional<std::string> placeAt(double, double) const override { return std::nullopt; }
     std::vector<ports::FoundPlace> search(std::string_view, std::size_t) const override { return {}; }
+};
+
+/// A machine without a network.
+class NoHttp final : public ports::HttpClient {
+public:
+    explicit NoHttp(ports::MainLoop& loop) : loop_(loop) {}
+    RequestId send(ports::HttpRequest request, Done done) override;
+    void cancel(RequestId request) override;
+
+private:
+    ports::MainLoop& loop_;
 };
 
 class NoStallSampler final : public ports::StallSampler {

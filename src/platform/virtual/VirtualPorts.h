@@ -8,12 +8,12 @@ namespace zenka::platform {
 /// A whole machine in virtual time, but for the disk. What stands on it runs hours in a moment.
 struct VirtualPorts {
     VirtualPorts(base::Instant wallStart, ports::Folders& folders, ports::Files& files)
-        : VirtualPorts(wallStart, folders, files, nowhere) {}
+        : VirtualPorts(wallStart, folders, files, nowhere, noHttp) {}
 
     VirtualPorts(base::Instant wallStart, ports::Folders& folders, ports::Files& files,
-                 ports::PlaceLookup& places)
-        : time(wallStart), all{time,    loop,  queues,    fireTimer,    settings,
-                               folders, files, keepAwake, stallSampler, places} {}
+                 ports::PlaceLookup& places, ports::HttpClient& http)
+        : time(wallStart), all{time,  loop,      queues,       fireTimer, settings, folders,
+                               files, keepAwake, stallSampler, places,    http} {}
 
     VirtualTime time;
     VirtualLoop loop{time};
@@ -23,6 +23,7 @@ struct VirtualPorts {
     NoKeepAwake keepAwake;
     NoStallSampler stallSampler;
     NoPlaces nowhere;
+    NoHttp noHttp{loop};
     ports::Ports all;
 };
 

@@ -65,7 +65,7 @@ SheetFrame {
                         onTyped: (text) => location.typeLongitude(text)
                     }
                     LocationField {
-                        name: "Elevation, m"; shown: location.elevText; fault: location.elevFault
+                        name: "Elevation, m"; shown: location.elevText; fault: location.elevFault; note: location.elevNote
                         onTyped: (text) => location.typeElevation(text)
                     }
                     LocationField {
