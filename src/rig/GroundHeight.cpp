@@ -43,14 +43,13 @@ std::string GroundHeight::host() const {
 }
 
 void GroundHeight::setHost(const std::string& address) {
-    std::string plain(base::trimmed(address));
-    while (plain.ends_with('/'))
-        plain.pop_back();
-    ports_.settings.setText(settingsKeys::elevationHost, plain);
+    ports_.settings.setText(settingsKeys::elevationHost, std::string(base::trimmed(address)));
 }
 
 void GroundHeight::ask(double lat, double lon, Then then) {
-    const std::string address = host();
+    std::string address = host();
+    while (address.ends_with('/'))
+        address.pop_back();
     if (address.empty()) {
         then(std::nullopt);
         return;

@@ -1,6 +1,7 @@
 #include "rig/SiteDesk.h"
 
 #include "base/CivilTime.h"
+#include "base/TimeWords.h"
 #include "eclipse/Catalog.h"
 #include "rig/SettingsKeys.h"
 #include "script/ZenkaScript.h"
@@ -50,7 +51,7 @@ double SiteDesk::clockAt(base::Instant wall) const {
 }
 
 std::string SiteDesk::fmtClock(double clock) const {
-    return base::formatTime("%H:%M:%S", wallAt(clock), timeZone());
+    return base::localHMS(wallAt(clock), site_->tzId);
 }
 
 absl::TimeZone SiteDesk::timeZone() const {

@@ -3,7 +3,10 @@
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
 
+#include <QClipboard>
 #include <QFile>
+#include <QGuiApplication>
+#include <QSysInfo>
 
 #include <utility>
 
@@ -64,6 +67,29 @@ QString AppView::guideText() const {
     if (guideFile_.isEmpty() || !file.open(QIODevice::ReadOnly))
         return {};
     return QString::fromUtf8(file.readAll());
+}
+
+QString AppView::bugFacts() const {
+    const rig::SiteDesk& site = rig_.site();
+    QStringList lines{
+        QStringLiteral("Zenka %1 on %2, %3, Qt %4")
+            .arg(version_, QSysInfo::prettyProductName(), QSysInfo::currentCpuArchitecture(),
+                 QString::fromLatin1(qVersion())),
+        QStringLiteral("Eclipse %1, %2")
+            .arg(QString::fromStdString(site.eclipseId()),
+                 rig_.transport().live() ? QStringLiteral("live clock") : QStringLiteral("simulated clock")),
+        QStringLiteral("Script: %1 frames, %2 diagnostics; bodies: %3")
+            .arg(rig_.script().captures().size())
+            .arg(rig_.script().diagnostics().size())
+            .arg(rig_.roster().cameras().size()),
+    };
+    for (const auto& entry : rig_.log().lines())
+        lines.append(QString::fromStdString(entry));
+    return lines.join(QLatin1Char('\n'));
+}
+
+void AppView::copy(const QString& text) {
+    QGuiApplication::clipboard()->setText(text);
 }
 
 QString AppView::prompt() const {

@@ -14,6 +14,7 @@ class AppView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString sheet READ sheet NOTIFY sheetChanged)
     Q_PROPERTY(QString version READ version CONSTANT)
+    Q_PROPERTY(QString bugFacts READ bugFacts NOTIFY sheetChanged)
     Q_PROPERTY(QString guidePage READ guidePage NOTIFY sheetChanged)
     Q_PROPERTY(QString guideText READ guideText NOTIFY sheetChanged)
     Q_PROPERTY(QString prompt READ prompt NOTIFY promptChanged)
@@ -33,6 +34,9 @@ public:
     void openGuide(const QString& title, const QString& page);
 
     QString version() const { return version_; }
+    /// What helps to understand a fault: version, system, what is set, and the log.
+    QString bugFacts() const;
+    Q_INVOKABLE static void copy(const QString& text);
     QString guidePage() const { return guidePage_; }
     QString guideText() const;
 

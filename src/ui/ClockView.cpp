@@ -1,9 +1,10 @@
 #include "ui/ClockView.h"
 
-#include "base/CivilTime.h"
+#include "base/TimeWords.h"
 #include "exposure/ExposureScales.h"
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
+#include "ui/SiteWords.h"
 
 #include <QVariantMap>
 #include <absl/strings/str_format.h>
@@ -19,16 +20,9 @@ QString qt(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-/// "00:11:41", from an hour on and below alike, so that nothing jumps. Cut, not rounded.
+/// What a clock counts down, without its sign.
 QString digits(double seconds) {
-    const auto whole = static_cast<long long>(std::floor(std::abs(seconds)));
-    return qt(absl::StrFormat("%02d:%02d:%02d", whole / 3600, whole / 60 % 60, whole % 60));
-}
-
-/// "1 m 23.5 s"
-std::string minutesText(double seconds) {
-    const int minutes = static_cast<int>(seconds / 60);
-    return absl::StrFormat("%d m %04.1f s", minutes, std::floor((seconds - 60.0 * minutes) * 10) / 10);
+    return qt(base::durHMS(seconds));
 }
 
 std::string signedDegrees(double degrees) {
@@ -58,13 +52,11 @@ QString ClockView::siteTime() const {
 }
 
 QString ClockView::zoneName() const {
-    return qt(
-        base::formatTime("%Z", rig_.site().wallAt(rig_.transport().clockNow()), rig_.site().timeZone()));
+    return qt(base::tzAbbr(rig_.site().site().tzId, rig_.site().wallAt(rig_.transport().clockNow())));
 }
 
 QString ClockView::utcTime() const {
-    return qt(
-        base::formatTime("%H:%M:%S", rig_.site().wallAt(rig_.transport().clockNow()), absl::UTCTimeZone()));
+    return qt(base::localHMS(rig_.site().wallAt(rig_.transport().clockNow()), "UTC"));
 }
 
 QString ClockView::siteLabel() const {
@@ -142,7 +134,7 @@ ClockView::Next ClockView::next() const {
     }
     if (has("C4"))
         return {QStringLiteral("C4 was"), at("C4", 0) - now};
-    return {QStringLiteral("No eclipse here. MAX elsewhere in"), at("MAX", 0) - now};
+    return {QStringLiteral("Not seen here. MAX in"), at("MAX", 0) - now};
 }
 
 QString ClockView::countdownTitle() const {
@@ -168,7 +160,7 @@ QString ClockView::phaseText() const {
         return qt(absl::StrFormat("No totality here: partial, magnitude %.3f, %.1f %% covered.",
                                   circ->maxMagnitude, circ->maxObscuration * 100));
     const char* phase = circ->maxMagnitude >= 1 ? "totality" : "ring";
-    return qt(absl::StrFormat("%s %s, magnitude %.4f", phase, minutesText(circ->totalitySeconds),
+    return qt(absl::StrFormat("%s %s, magnitude %.4f", phase, durationText(circ->totalitySeconds),
                               circ->maxMagnitude));
 }
 

@@ -362,6 +362,15 @@ bool LocationView::hasGreatest() const {
     return track && track->greatest;
 }
 
+QString LocationView::elevationHost() const {
+    return qt(rig_.sites().ground().host());
+}
+
+void LocationView::setElevationHost(const QString& address) {
+    rig_.sites().ground().setHost(address.toStdString());
+    Q_EMIT elevationHostChanged();
+}
+
 const EclipseTrack* LocationView::track() const {
     const auto found = tracks_.find(rig_.site().eclipseId());
     return found == tracks_.end() ? nullptr : found->second.get();

@@ -53,6 +53,7 @@ class LocationView : public QObject {
     Q_PROPERTY(QString undoText READ undoText NOTIFY savedChanged)
     Q_PROPERTY(QString trackText READ trackText NOTIFY trackChanged)
     Q_PROPERTY(bool hasGreatest READ hasGreatest NOTIFY trackChanged)
+    Q_PROPERTY(QString elevationHost READ elevationHost WRITE setElevationHost NOTIFY elevationHostChanged)
     Q_PROPERTY(QString probeText READ probeText NOTIFY probed)
 
 public:
@@ -116,6 +117,9 @@ public:
     QString trackText() const;
     bool hasGreatest() const;
     QString probeText() const { return probeText_; }
+    /// The address of the elevation service, for the settings; empty for none.
+    QString elevationHost() const;
+    void setElevationHost(const QString& address);
 
     /// For the map: the path of the eclipse once it is computed, the site in use and the one of the fields.
     const EclipseTrack* track() const;
@@ -128,6 +132,7 @@ Q_SIGNALS:
     void savedChanged();
     void trackChanged();
     void probed();
+    void elevationHostChanged();
     /// The map is to show a point that was not picked on it.
     void pointWanted();
 

@@ -1,6 +1,6 @@
 #include "ui/SiteWords.h"
 
-#include "base/CivilTime.h"
+#include "base/TimeWords.h"
 
 #include <absl/strings/str_format.h>
 
@@ -30,7 +30,8 @@ std::string eclipseText(const eclipse::LocalCircumstances& circ, const absl::Tim
                 : absl::StrFormat("partial, magnitude %.3f", circ.maxMagnitude);
     if (!moment)
         return text;
-    text += (central ? " · C2 " : " · maximum ") + base::formatTime("%H:%M:%S %Z", moment->utc, zone);
+    text += (central ? " · C2 " : " · maximum ") + base::localHMS(moment->utc, zone.name()) + " " +
+            base::tzAbbr(zone.name(), moment->utc);
     text += moment->sunAltDeg < 0 ? " · Sun below the horizon"
                                   : absl::StrFormat(" · Sun %.0f° up", moment->sunAltDeg);
     return text;

@@ -12,6 +12,7 @@ namespace {
 
 constexpr char themeKey[] = "zenka.theme";
 constexpr char scaleKey[] = "zenka.textScale";
+constexpr char nightByItselfKey[] = "zenka.nightByItself";
 constexpr std::array<const char*, 3> names{"Sunlight", "Dark", "Night"};
 
 } // namespace
@@ -23,11 +24,13 @@ Theme::Theme(ports::Settings& settings, QObject* parent) : QObject(parent), sett
             kind_ = static_cast<Kind>(found - names.begin());
     }
     textScale_ = std::clamp(settings.number(scaleKey).value_or(1), 0.8, 1.8);
+    nightByItself_ = settings_.flag(nightByItselfKey).value_or(false);
 }
 
 void Theme::setKind(Kind kind) {
-    if (kind_ == kind)
+    if (kind == this->kind())
         return;
+    nightForNow_ = false;
     kind_ = kind;
     settings_.setText(themeKey, names[static_cast<std::size_t>(kind)]);
     Q_EMIT changed();
@@ -40,7 +43,18 @@ void Theme::choose(const QString& name) {
 }
 
 void Theme::cycle() {
-    setKind(static_cast<Kind>((static_cast<int>(kind_) + 1) % static_cast<int>(names.size())));
+    setKind(static_cast<Kind>((static_cast<int>(kind()) + 1) % static_cast<int>(names.size())));
+}
+
+void Theme::setNightByItself(bool wanted) {
+    nightByItself_ = wanted;
+    settings_.setFlag(nightByItselfKey, wanted);
+    Q_EMIT changed();
+}
+
+void Theme::setDarkOutside(bool dark) {
+    nightForNow_ = dark;
+    Q_EMIT changed();
 }
 
 void Theme::setTextScale(double scale) {
@@ -50,11 +64,11 @@ void Theme::setTextScale(double scale) {
 }
 
 QString Theme::name() const {
-    return QString::fromLatin1(names[static_cast<std::size_t>(kind_)]);
+    return QString::fromLatin1(names[static_cast<std::size_t>(kind())]);
 }
 
 QColor Theme::pick(QRgb inSun, QRgb inDark, QRgb atNight) const {
-    return QColor(kind_ == Kind::sunlight ? inSun : kind_ == Kind::dark ? inDark : atNight);
+    return QColor(kind() == Kind::sunlight ? inSun : kind() == Kind::dark ? inDark : atNight);
 }
 
 int Theme::scaled(int pixels) const {

@@ -33,6 +33,7 @@ class Theme : public QObject {
     Q_PROPERTY(int huge READ huge NOTIFY changed)
     Q_PROPERTY(int weight READ weight NOTIFY changed)
     Q_PROPERTY(double textScale READ textScale WRITE setTextScale NOTIFY changed)
+    Q_PROPERTY(bool nightByItself READ nightByItself WRITE setNightByItself NOTIFY changed)
     Q_PROPERTY(QString digits READ digits CONSTANT)
 
 public:
@@ -42,15 +43,21 @@ public:
     Theme(ports::Settings& settings, QObject* parent);
 
     void setKind(Kind kind);
-    Kind kind() const { return kind_; }
+    Kind kind() const { return nightForNow_ ? Kind::night : kind_; }
+    /// Takes a theme by hand, which also ends a Night that came by itself.
     Q_INVOKABLE void choose(const QString& name);
     Q_INVOKABLE void cycle();
+    /// Whether Night is to come by itself around totality.
+    bool nightByItself() const { return nightByItself_; }
+    void setNightByItself(bool wanted);
+    /// It has got dark, or light again: shows Night meanwhile. The theme that was chosen stays the one.
+    void setDarkOutside(bool dark);
     /// 0.8 to 1.8.
     void setTextScale(double scale);
 
     QString name() const;
-    bool night() const { return kind_ == Kind::night; }
-    bool sunlight() const { return kind_ == Kind::sunlight; }
+    bool night() const { return kind() == Kind::night; }
+    bool sunlight() const { return kind() == Kind::sunlight; }
     QColor page() const { return pick(0xffffff, 0x0a0e16, 0x000000); }
     QColor panel() const { return pick(0xf2f2f2, 0x141b27, 0x0b0000); }
     QColor text() const { return pick(0x000000, 0xe6edf5, 0xb00000); }
@@ -82,6 +89,8 @@ private:
 
     ports::Settings& settings_;
     Kind kind_ = Kind::dark;
+    bool nightForNow_ = false;
+    bool nightByItself_ = false;
     double textScale_ = 1;
 };
 

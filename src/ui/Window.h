@@ -17,6 +17,7 @@ namespace zenka::ui {
 
 class AppView;
 class Commands;
+class EditTarget;
 class Theme;
 
 /// The one window: its view models, its commands, and the QML that shows them. Made behind a
@@ -40,11 +41,10 @@ public:
     static QStringList sheets();
 
 private:
-    void declareCommands(const QString& runLogs);
-
     rig::RigModel& rig_;
     AppView* app_ = nullptr;
     Commands* commands_ = nullptr;
+    EditTarget* edit_ = nullptr;
     Theme* theme_ = nullptr;
     QQmlApplicationEngine* engine_ = nullptr;
 };

@@ -1,0 +1,144 @@
+#include "ui/CommandList.h"
+
+#include "rig/RigModel.h"
+#include "ui/AppView.h"
+#include "ui/Commands.h"
+#include "ui/EditTarget.h"
+#include "ui/Theme.h"
+
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <QUrl>
+
+#include <utility>
+
+namespace zenka::ui {
+
+namespace {
+
+using Action = std::function<void()>;
+using Condition = std::function<bool()>;
+
+/// The commands of one menu, as one writes them down.
+class Menu {
+public:
+    Menu(Commands& commands, const char* title) : commands_(commands), title_(QString::fromLatin1(title)) {}
+
+    Menu& add(const char* id, const char* text, const char* shortcut, Action run, Condition enabled = {}) {
+        commands_.add(command(id, text, shortcut, std::move(run), std::move(enabled)));
+        return *this;
+    }
+    /// One that a focused text field answers to by itself.
+    Menu& addStandard(const char* id, const char* text, const char* shortcut, Action run, Condition enabled) {
+        Command standard = command(id, text, shortcut, std::move(run), std::move(enabled));
+        standard.standard = true;
+        commands_.add(std::move(standard));
+        return *this;
+    }
+
+private:
+    Command command(const char* id, const char* text, const char* shortcut, Action run, Condition enabled) {
+        return {.id = QString::fromLatin1(id),
+                .menu = title_,
+                .text = QString::fromUtf8(text),
+                .shortcut = QString::fromLatin1(shortcut),
+                .run = std::move(run),
+                .enabled = std::move(enabled)};
+    }
+
+    Commands& commands_;
+    const QString title_;
+};
+
+void toggleMaximized(QQuickWindow& window) {
+    if (window.visibility() == QWindow::Maximized)
+        window.showNormal();
+    else
+        window.showMaximized();
+}
+
+void addEdit(Commands& commands, EditTarget& edit) {
+    Menu menu(commands, "Edit");
+    const auto add = [&](const char* operation, const char* text, const char* shortcut) {
+        menu.addStandard(
+            operation, text, shortcut, [&edit, operation] { edit.call(operation); },
+            [&edit, operation] { return edit.has(operation); });
+    };
+    add("undo", "Undo", "Ctrl+Z");
+    add("redo", "Redo", "Ctrl+Shift+Z");
+    add("cut", "Cut", "Ctrl+X");
+    add("copy", "Copy", "Ctrl+C");
+    add("paste", "Paste", "Ctrl+V");
+    add("selectAll", "Select All", "Ctrl+A");
+}
+
+} // namespace
+
+void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme& theme, EditTarget& edit,
+                     const std::function<QQuickWindow*()>& window, const QString& runLogs) {
+    const auto sheet = [&app](const char* name) {
+        return [&app, name] { app.openSheet(QString::fromLatin1(name)); };
+    };
+    const auto guide = [&app](const char* title, const char* page) {
+        return [&app, title, page] { app.openGuide(QString::fromLatin1(title), QString::fromLatin1(page)); };
+    };
+    // The script's commands work on its sheet, which they open.
+    const auto script = [&app](const char* what) {
+        return [&app, what] {
+            app.openSheet(QStringLiteral("Script"));
+            Q_EMIT app.scriptCommand(QString::fromLatin1(what));
+        };
+    };
+    rig::Transport& transport = rig.transport();
+    const auto simulated = [&transport] { return !transport.live(); };
+    const auto live = [&transport] { return transport.live(); };
+
+    Menu(commands, "Zenka")
+        .add("about", "About Zenka", "", sheet("About"))
+        .add("checkForUpdates", "Check for Updates…", "", sheet("Updates"))
+        .add("openSettings", "Settings…", "Ctrl+,", sheet("Settings"))
+        .add("reportBug", "Report a Bug…", "", sheet("ReportBug"))
+        .add("hide", "Hide Zenka", "Ctrl+H", [window] { window()->showMinimized(); })
+        .add("quit", "Quit Zenka", "Ctrl+Q", [] { QGuiApplication::quit(); });
+
+    Menu(commands, "File")
+        .add("newScriptCmd", "New Script", "Ctrl+N", script("newScript"))
+        .add("openScriptCmd", "Open Script…", "Ctrl+O", script("open"))
+        .add("saveScriptCmd", "Save Script…", "Ctrl+S", script("save"))
+        .add("script", "Script…", "Ctrl+E", sheet("Script"))
+        .add("location", "Location…", "Ctrl+L", sheet("Location"), simulated);
+
+    addEdit(commands, edit);
+
+    Menu(commands, "Simulation")
+        .add(
+            "togglePlay", "Play / Pause", "Ctrl+P", [&transport] { transport.togglePlay(); }, simulated)
+        .add("jumpToTime", "Jump to Time…", "Ctrl+0", sheet("Jump"), simulated);
+
+    Menu(commands, "Timing")
+        .add("simTiming", "Simulated Clock", "", sheet("LeaveLive"), live)
+        .add("armReal", "Arm Real Eclipse Clock", "", sheet("Arm"), simulated);
+
+    Menu(commands, "Tools").add("revealRunLogs", "Reveal Run Logs", "", [runLogs] {
+        QDesktopServices::openUrl(QUrl::fromLocalFile(runLogs));
+    });
+
+    Menu(commands, "Window")
+        .add("cycleTheme", "Next Theme", "Ctrl+Shift+T", [&theme] { theme.cycle(); })
+        .add("textLarger", "Larger Text", "Ctrl++", [&theme] { theme.setTextScale(theme.textScale() + 0.1); })
+        .add("textSmaller", "Smaller Text", "Ctrl+-",
+             [&theme] { theme.setTextScale(theme.textScale() - 0.1); })
+        .add("miniaturize", "Minimize", "Ctrl+M", [window] { window()->showMinimized(); })
+        .add("zoom", "Zoom", "", [window] { toggleMaximized(*window()); });
+
+    Menu(commands, "Help")
+        .add("showWelcome", "Welcome / Getting Started", "", sheet("Welcome"))
+        .add("openGuide", "Zenka Guide", "", guide("Zenka Guide", "guide.md"))
+        .add("openScriptGuide", "Script Language Guide", "",
+             guide("Script Language Guide", "script-language.md"))
+        .add("openFeatures", "Features & Roadmap", "", guide("Features & Roadmap", "roadmap.md"))
+        .add("showKeys", "Keys", "F1", sheet("Keys"));
+}
+
+} // namespace zenka::ui
