@@ -1,6 +1,7 @@
 #include "ui/AppView.h"
 
 #include "rig/RigModel.h"
+#include "ui/LogView.h"
 #include "ui/Observe.h"
 
 #include <QClipboard>
@@ -83,8 +84,10 @@ QString AppView::bugFacts() const {
             .arg(rig_.script().diagnostics().size())
             .arg(rig_.roster().cameras().size()),
     };
-    for (const auto& entry : rig_.log().lines())
-        lines.append(QString::fromStdString(entry));
+    for (const auto& entry : rig_.log().lines()) {
+        const LogLine line = logLine(QString::fromStdString(entry));
+        lines.append(QStringLiteral("%1 %2").arg(line.symbol, line.text));
+    }
     return lines.join(QLatin1Char('\n'));
 }
 

@@ -6,7 +6,7 @@
 namespace zenka::ui {
 
 double TimelineLayout::laneHeight() const {
-    constexpr double tallest = 34;
+    constexpr double tallest = 52;
     const double room = height - contactsHeight - axisHeight;
     return lanes == 0 ? 0 : std::clamp(room / static_cast<double>(lanes), 1.0, tallest);
 }

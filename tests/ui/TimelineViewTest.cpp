@@ -44,7 +44,7 @@ struct Timeline : testing::Test {
 
     TimelineLayout layout() const {
         return {.width = 1100,
-                .height = 130,
+                .height = 200,
                 .labelWidth = 100,
                 .contactsHeight = 20,
                 .axisHeight = 30,
@@ -104,17 +104,17 @@ TEST_F(Timeline, scriptCamerasComeFirstThenBodiesWithoutShotsThenTheCues) {
 TEST_F(Timeline, lanesShareTheRoomAndAPointFindsTheNearestFrameOfItsLane) {
     rig.load(rig.frameAt(0, "CAM1") + rig.frameAt(100, "CAM1") + rig.frameAt(0, "CAM2"));
     const TimelineLayout at = layout();
-    EXPECT_EQ(at.laneHeight(), 34) << "two lanes do not grow without end";
-    EXPECT_EQ(at.laneTop(1), 54);
-    EXPECT_EQ(at.laneAt(53.9), 0U);
-    EXPECT_EQ(at.laneAt(54), 1U);
+    EXPECT_EQ(at.laneHeight(), 52) << "two lanes do not grow without end";
+    EXPECT_EQ(at.laneTop(1), 72);
+    EXPECT_EQ(at.laneAt(71.9), 0U);
+    EXPECT_EQ(at.laneAt(72), 1U);
     EXPECT_FALSE(at.laneAt(19.9));
-    EXPECT_FALSE(at.laneAt(88));
+    EXPECT_FALSE(at.laneAt(124));
     EXPECT_NEAR(at.clockAt(at.xOf(1234.5)), 1234.5, 1e-9);
     const double x = at.xOf(100);
     EXPECT_EQ(ui::frameAt(at, view.lanes(), x + 5, 30, 6), (ui::FrameRef{0, 1}));
     EXPECT_FALSE(ui::frameAt(at, view.lanes(), x + 40, 30, 6)) << "too far off";
-    EXPECT_EQ(ui::frameAt(at, view.lanes(), at.xOf(0) - 3, 60, 6), (ui::FrameRef{1, 0}));
+    EXPECT_EQ(ui::frameAt(at, view.lanes(), at.xOf(0) - 3, 80, 6), (ui::FrameRef{1, 0}));
 }
 
 TEST_F(Timeline, framesOfOnePixelShowTheirWorstStateAndThoseOutOfSightCostNothing) {

@@ -6,6 +6,8 @@ Rectangle {
     id: panel
     color: theme.panel
     property bool narrow: height < 220
+    // The contacts take what room the digits leave, up to the large size.
+    readonly property int rowSize: Math.max(theme.normal, Math.min(theme.large, (width - 40) / 19, (height - 190) / 9))
 
     ColumnLayout {
         anchors.fill: parent
@@ -29,7 +31,7 @@ Rectangle {
             font.bold: true
             // In the last minute and in totality it fills the panel.
             font.pixelSize: Math.min((panel.width - 20) / (text.length * 0.605),
-                                     clock.lastMinute || clock.inTotality ? panel.height * 0.45 : theme.huge * 1.4)
+                                     clock.lastMinute || clock.inTotality ? panel.height * 0.45 : theme.huge * 2)
             Layout.fillWidth: true
             Accessible.name: clock.countdownTitle + " " + text
         }
@@ -45,28 +47,28 @@ Rectangle {
             delegate: RowLayout {
                 required property var modelData
                 Layout.fillWidth: true
-                spacing: 10
+                spacing: 8
                 Accessible.role: Accessible.StaticText
                 Accessible.name: modelData.words + " at " + modelData.time
                 Text {
                     text: modelData.key
                     color: clock.nextContact === modelData.key ? theme.accent : theme.text
-                    font.pixelSize: theme.normal
+                    font.pixelSize: panel.rowSize
                     font.bold: clock.nextContact === modelData.key
-                    Layout.preferredWidth: theme.normal * 3
+                    Layout.preferredWidth: panel.rowSize * 2.8
                 }
                 Text {
                     text: modelData.time
                     color: theme.text
                     font.family: theme.digits
-                    font.pixelSize: theme.normal
+                    font.pixelSize: panel.rowSize
                     font.weight: theme.weight
                 }
                 Text {
                     text: (modelData.down ? "▼ " : "") + "alt " + modelData.alt + "  az " + modelData.az
                     color: theme.quiet
                     font.family: theme.digits
-                    font.pixelSize: theme.normal
+                    font.pixelSize: panel.rowSize
                     elide: Text.ElideRight
                     Layout.fillWidth: true
                 }

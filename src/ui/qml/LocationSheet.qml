@@ -25,35 +25,13 @@ SheetFrame {
             Layout.fillHeight: true
             spacing: 8
 
-            Flickable {
+            FormFlick {
                 id: form
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                contentHeight: fields.implicitHeight
-                clip: true
-                boundsBehavior: Flickable.StopAtBounds
-                ScrollBar.vertical: ZScrollBar { policy: form.contentHeight > form.height ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded }
-
-                // What has the keyboard is to be seen.
-                function reveal(item) {
-                    const top = item.mapToItem(fields, 0, 0).y
-                    if (top < contentY)
-                        contentY = Math.max(0, top - 4)
-                    else if (top + item.height > contentY + height)
-                        contentY = Math.min(contentHeight - height, top + item.height - height + 4)
-                }
-                Connections {
-                    target: form.Window.window
-                    function onActiveFocusItemChanged() {
-                        let item = form.Window.activeFocusItem
-                        for (let above = item; above; above = above.parent)
-                            if (above === fields) { form.reveal(item); break }
-                    }
-                }
 
                 ColumnLayout {
-                    id: fields
-                    width: form.width - 14
+                    width: form.fieldsWidth
                     spacing: 6
                     PlaceSearch { Layout.fillWidth: true; focus: true }
                     LocationField {

@@ -56,7 +56,7 @@ ApplicationWindow {
                 Layout.minimumHeight: 120
                 spacing: 4
                 CountdownPanel {
-                    Layout.preferredWidth: window.small ? window.width * 0.44 : Math.max(300, window.width * 0.24)
+                    Layout.preferredWidth: window.small ? window.width * 0.44 : Math.max(300, window.width * 0.29)
                     Layout.fillHeight: true
                 }
                 PanelSlot {
@@ -83,7 +83,6 @@ ApplicationWindow {
                 source: "TimelinePanel.qml"
                 Layout.fillWidth: true
                 Layout.preferredHeight: window.small ? 84 : Math.max(150, window.height * 0.24)
-                
             }
             TransportBar { Layout.fillWidth: true }
             PanelSlot {

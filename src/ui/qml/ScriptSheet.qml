@@ -7,7 +7,9 @@ import Zenka 1.0
 // The script: editor, what the compiler says of it, and its frames against the eclipse.
 SheetFrame {
     id: sheet
-    title: "Script"
+    // In a low window the name goes into the title, and the editor gets the room.
+    readonly property bool low: height < 500
+    title: low ? "Script  " + (script.edited ? "✎ " : "") + script.name : "Script"
     grow: true
 
     function askWhereToSave() {
@@ -66,6 +68,7 @@ SheetFrame {
 
         RowLayout {
             Layout.fillWidth: true
+            visible: !sheet.low
             spacing: 8
             ZLabel {
                 text: script.name
@@ -148,7 +151,7 @@ SheetFrame {
                 text: script.isDefault ? "Not at each start" : "Use at each start"
                 onClicked: script.setDefault(!script.isDefault)
             }
-            ZButton { text: "Language"; Accessible.name: "Script language guide"; onClicked: commands.trigger("openScriptGuide") }
+            ZButton { text: "Language"; visible: !sheet.low; Accessible.name: "Script language guide"; onClicked: commands.trigger("openScriptGuide") }
         }
 
         Rectangle {
@@ -279,8 +282,8 @@ SheetFrame {
 
         ScriptPreview {
             Layout.fillWidth: true
-            Layout.preferredHeight: sheet.height < 500 ? 0 : 64
-            visible: sheet.height >= 500
+            Layout.preferredHeight: 64
+            visible: !sheet.low
             view: script
             font.pixelSize: theme.small
             bar: theme.accent
@@ -297,6 +300,7 @@ SheetFrame {
             Layout.fillWidth: true
             // Always the same, so that the text does not move while one types.
             Layout.preferredHeight: rowHeight * (sheet.height < 600 ? 1 : 3)
+            visible: !sheet.low || count > 0
             readonly property int rowHeight: Math.max(32, theme.normal + 16)
             clip: true
             activeFocusOnTab: count > 0

@@ -4,16 +4,12 @@ import QtQuick.Layouts
 
 SheetFrame {
     title: "Settings"
-    ScrollView {
-        id: room
-        width: parent.width
-        height: parent.height > 0 ? parent.height : fields.implicitHeight
-        implicitHeight: fields.implicitHeight
-        contentWidth: availableWidth
-        clip: true
+    wantedHeight: form.contentHeight
+    FormFlick {
+        id: form
+        anchors.fill: parent
         ColumnLayout {
-            id: fields
-            width: room.availableWidth
+            width: form.fieldsWidth
             spacing: 8
             ZLabel { text: "Theme"; font.bold: true }
             RowLayout {

@@ -8,6 +8,8 @@ FocusScope {
     property string title
     property int sheetWidth: 720
     property bool grow: false // takes all the room there is
+    // What the content would take; a content that fills its parent tells it here.
+    property real wantedHeight: body.childrenRect.height
     default property alias content: body.data
 
     anchors.fill: parent
@@ -61,7 +63,7 @@ FocusScope {
                 id: body
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                implicitHeight: frame.grow ? 0 : childrenRect.height
+                implicitHeight: frame.grow ? 0 : frame.wantedHeight
             }
         }
     }
