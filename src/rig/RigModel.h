@@ -48,6 +48,7 @@ public:
     ScriptDesk& script() { return script_; }
     CameraRoster& roster() { return roster_; }
     RunLogbook& logbook() { return logbook_; }
+    SleepGuard& sleepGuard() { return sleepGuard_; }
     Transport& transport() { return transport_; }
     RunKeeper& keeper() { return keeper_; }
     ExposureControl& exposure() { return exposure_; }

@@ -71,8 +71,23 @@ QColor Theme::pick(QRgb inSun, QRgb inDark, QRgb atNight) const {
     return QColor(kind() == Kind::sunlight ? inSun : kind() == Kind::dark ? inDark : atNight);
 }
 
+double Theme::scale() const {
+    return std::min(textScale_, largestScale_);
+}
+
+void Theme::setRoom(QSize window) {
+    // At the smallest size the dashboard fits with this much; a larger window bears larger text.
+    constexpr QSizeF smallest(960, 440);
+    constexpr double fitting = 1;
+    const double times = std::min(window.width() / smallest.width(), window.height() / smallest.height());
+    const double before = scale();
+    largestScale_ = std::max(fitting, times);
+    if (scale() != before)
+        Q_EMIT changed();
+}
+
 int Theme::scaled(int pixels) const {
-    return static_cast<int>(std::lround(pixels * textScale_));
+    return static_cast<int>(std::lround(pixels * scale()));
 }
 
 } // namespace zenka::ui

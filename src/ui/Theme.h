@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QObject>
+#include <QSize>
 
 namespace zenka::ports {
 class Settings;
@@ -33,6 +34,7 @@ class Theme : public QObject {
     Q_PROPERTY(int huge READ huge NOTIFY changed)
     Q_PROPERTY(int weight READ weight NOTIFY changed)
     Q_PROPERTY(double textScale READ textScale WRITE setTextScale NOTIFY changed)
+    Q_PROPERTY(double scale READ scale NOTIFY changed)
     Q_PROPERTY(bool nightByItself READ nightByItself WRITE setNightByItself NOTIFY changed)
     Q_PROPERTY(QString digits READ digits CONSTANT)
 
@@ -77,6 +79,9 @@ public:
     /// One step heavier in the Sun.
     int weight() const { return sunlight() ? 600 : 400; }
     double textScale() const { return textScale_; }
+    /// The scale that is shown: no larger than the window has room for.
+    double scale() const;
+    void setRoom(QSize window);
     /// A family whose digits are all of one width.
     QString digits() const { return QStringLiteral("DejaVu Sans Mono"); }
 
@@ -92,6 +97,7 @@ private:
     bool nightForNow_ = false;
     bool nightByItself_ = false;
     double textScale_ = 1;
+    double largestScale_ = 1;
 };
 
 } // namespace zenka::ui

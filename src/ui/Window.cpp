@@ -4,6 +4,7 @@
 #include "rig/RigModel.h"
 #include "ui/AppView.h"
 #include "ui/CamerasView.h"
+#include "ui/ChipsView.h"
 #include "ui/ClockView.h"
 #include "ui/CommandList.h"
 #include "ui/Commands.h"
@@ -57,6 +58,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     context.setContextProperty(QStringLiteral("app"), app_);
     context.setContextProperty(QStringLiteral("commands"), commands_);
     context.setContextProperty(QStringLiteral("clock"), new ClockView(rig, this));
+    context.setContextProperty(QStringLiteral("chips"), new ChipsView(rig, this));
     context.setContextProperty(QStringLiteral("eclipses"), new EclipseList(rig, this));
     context.setContextProperty(QStringLiteral("sky"), new SkyView(rig, ports, this));
     auto* timeline = new TimelineView(rig, ports, this);
@@ -83,17 +85,17 @@ bool Window::show() {
         return false;
     const QRect room = window->screen() ? window->screen()->availableGeometry() : QRect(0, 0, 1380, 860);
     window->setMinimumSize(QSize(960, 440).boundedTo(room.size()));
+    const auto follow = [this, window] { theme_->setRoom(window->size()); };
+    connect(window, &QWindow::widthChanged, this, follow);
+    connect(window, &QWindow::heightChanged, this, follow);
     window->resize(QSize(1380, 860).boundedTo(room.size()));
+    follow();
     window->setTitle(QStringLiteral("Zenka"));
     edit_->watch(*window);
     window->show();
     window->requestActivate();
     rig_.bootstrap();
     return true;
-}
-
-void Window::chooseTheme(const QString& name) {
-    theme_->choose(name);
 }
 
 QStringList Window::sheets() {

@@ -36,7 +36,7 @@ public:
     QQuickWindow* quickWindow() const;
     Commands& commands() { return *commands_; }
     AppView& app() { return *app_; }
-    void chooseTheme(const QString& name);
+    Theme& theme() { return *theme_; }
     /// The sheets that there are, by name.
     static QStringList sheets();
 

@@ -3,6 +3,7 @@
 #include "support/VirtualRig.h"
 #include "ui/AppView.h"
 #include "ui/Commands.h"
+#include "ui/Theme.h"
 
 #include <QGuiApplication>
 #include <QImage>
@@ -190,7 +191,7 @@ TEST_F(Window, countdownAndTransportAreWholeAtTheSmallestSize) {
 }
 
 TEST_F(Window, nightLetsNoGreenOrBlueThrough) {
-    window.chooseTheme(QStringLiteral("Night"));
+    window.theme().choose(QStringLiteral("Night"));
     rig.load(rig.frameAt(rig.model.site().contactTHours().at("C2") * 3600));
     rig.playFrom(rig.model.site().contactTHours().at("C2") * 3600 - 5);
     rig.run(8);

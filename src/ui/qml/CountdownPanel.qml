@@ -7,7 +7,7 @@ Rectangle {
     color: theme.panel
     property bool narrow: height < 220
     // The contacts take what room the digits leave, up to the large size.
-    readonly property int rowSize: Math.max(theme.normal, Math.min(theme.large, (width - 40) / 19, (height - 190) / 9))
+    readonly property int rowSize: Math.max(theme.small, Math.min(theme.large, (width - 40) / 20, (height - 190) / 9))
 
     ColumnLayout {
         anchors.fill: parent

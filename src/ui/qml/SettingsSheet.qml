@@ -27,6 +27,7 @@ SheetFrame {
                 }
             }
             ZCheck {
+                Layout.fillWidth: true
                 text: "Night by itself, from 10 min before totality to 10 min after it"
                 checked: theme.nightByItself
                 onToggled: theme.nightByItself = checked
@@ -35,7 +36,7 @@ SheetFrame {
             RowLayout {
                 spacing: 8
                 ZButton { text: "A −"; onClicked: theme.textScale = theme.textScale - 0.1; Accessible.name: "Smaller text" }
-                ZLabel { text: Math.round(theme.textScale * 100) + " %" }
+                ZLabel { text: Math.round(theme.textScale * 100) + " %" + (theme.scale < theme.textScale ? "  (a larger window has room for it)" : "") }
                 ZButton { text: "A +"; onClicked: theme.textScale = theme.textScale + 0.1; Accessible.name: "Larger text" }
             }
             SettingField {

@@ -6,6 +6,7 @@ import QtQuick.Layouts
 Rectangle {
     id: bar
     color: theme.panel
+    readonly property real room: width / theme.scale
     implicitHeight: row.implicitHeight + 12
 
     RowLayout {
@@ -97,12 +98,26 @@ Rectangle {
         Text {
             Layout.fillWidth: true
             Layout.minimumWidth: 60
-            text: clock.siteLabel + (bar.width > 1200 ? "  " + clock.sitePosition : "")
+            text: clock.siteLabel + (bar.room > 1200 ? "  " + clock.sitePosition : "")
             color: theme.text
             font.pixelSize: theme.normal
             font.weight: theme.weight
             elide: Text.ElideRight
             Accessible.name: "Site " + text
+        }
+        Repeater {
+            model: chips.rows
+            delegate: Text {
+                required property var modelData
+                text: modelData.symbol + (bar.room > 1200 ? " " + modelData.text : "")
+                color: theme.text
+                font.pixelSize: theme.normal
+                font.weight: theme.weight
+                Accessible.role: Accessible.StaticText
+                Accessible.name: modelData.words
+                ZTip { visible: over.hovered; text: modelData.words }
+                HoverHandler { id: over }
+            }
         }
         Text {
             text: clock.siteTime + " " + clock.zoneName
@@ -113,7 +128,7 @@ Rectangle {
             Accessible.name: "Site time " + text
         }
         Text {
-            visible: bar.width > 1040
+            visible: bar.room > 1040
             text: clock.utcTime + " UTC"
             color: theme.quiet
             font.family: theme.digits

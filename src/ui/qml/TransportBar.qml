@@ -31,7 +31,7 @@ Rectangle {
                 Accessible.name: "Jump to " + modelData.words
             }
         }
-        ZButton { text: "Jump…"; visible: !clock.live && bar.width > 900; onClicked: commands.trigger("jumpToTime") }
+        ZButton { text: "Jump…"; visible: !clock.live && bar.width / theme.scale > 1000; onClicked: commands.trigger("jumpToTime") }
         Text {
             objectName: "nextShot"
             text: clock.nextShot
@@ -39,6 +39,8 @@ Rectangle {
             font.family: theme.digits
             font.pixelSize: theme.normal
             font.weight: theme.weight
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: theme.small
             elide: Text.ElideRight
             horizontalAlignment: Text.AlignHCenter
             Layout.fillWidth: true

@@ -1,8 +1,9 @@
 // Renders the window and every sheet in the three themes at full and minimum size into a folder.
-// Usage: screenshots DIR
+// Usage: screenshots DIR [TEXT-SCALE]
 
 #include "support/VirtualRig.h"
 #include "ui/AppView.h"
+#include "ui/Theme.h"
 #include "ui/Window.h"
 
 #include <QGuiApplication>
@@ -10,6 +11,7 @@
 #include <QQuickWindow>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -60,6 +62,8 @@ int main(int argc, char** argv) {
     ui::Window window(rig.model, rig.machine.all, QStringLiteral("0.1.0"));
     if (!window.show())
         return 1;
+    if (argc > 2)
+        window.theme().setTextScale(std::atof(argv[2]));
     window.app().closeSheet();
     rig.model.script().load(example(), "total-two-bodies.zenka");
     rig.model.script().compile();
@@ -72,7 +76,7 @@ int main(int argc, char** argv) {
     for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
         window.quickWindow()->resize(size);
         for (const char* theme : {"Sunlight", "Dark", "Night"}) {
-            window.chooseTheme(QString::fromLatin1(theme));
+            window.theme().choose(QString::fromLatin1(theme));
             const std::string suffix = "-" + std::string(theme) + "-" + std::to_string(size.width());
             album.shoot("dashboard" + suffix);
             for (const QString& sheet : window.sheets()) {
