@@ -50,4 +50,26 @@ std::string durHMS(double seconds) {
     return days > 0 ? absl::StrFormat("%dd %s", days, hms) : hms;
 }
 
+std::optional<TimeOfDay> readTimeOfDay(std::string_view text) {
+    const auto fields = split(trimmed(text), ':');
+    if (fields.size() < 2 || fields.size() > 3)
+        return std::nullopt;
+    int values[3] = {0, 0, 0};
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const auto value = readInteger(fields[i]);
+        if (!value || fields[i].find_first_not_of("0123456789") != std::string_view::npos)
+            return std::nullopt;
+        values[i] = *value;
+    }
+    if (values[0] > 23 || values[1] > 59 || values[2] > 59)
+        return std::nullopt;
+    return TimeOfDay{values[0], values[1], values[2]};
+}
+
+std::string laterTimeOfDay(const TimeOfDay& time, int seconds) {
+    constexpr int day = 86400;
+    const int later = time.hour * 3600 + time.minute * 60 + time.second + seconds % day;
+    return durHMS((later % day + day) % day);
+}
+
 } // namespace zenka::base

@@ -2,6 +2,7 @@
 
 #include "base/Instant.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,5 +18,17 @@ std::string tzAbbr(std::string_view tz, Instant at);
 
 /// A duration, "00:11:41", from a day on "8d 23:03:04". Cut; the sign is not told.
 std::string durHMS(double seconds);
+
+struct TimeOfDay {
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+};
+
+/// Reads "20:29" or "20:29:03", blanks around it allowed; nothing for any other text.
+std::optional<TimeOfDay> readTimeOfDay(std::string_view text);
+
+/// The time of day so many seconds on, around midnight, as "20:29:03".
+std::string laterTimeOfDay(const TimeOfDay& time, int seconds);
 
 } // namespace zenka::base

@@ -2,6 +2,7 @@
 
 #include "base/CivilTime.h"
 #include "base/Text.h"
+#include "base/TimeWords.h"
 #include "rig/SettingsKeys.h"
 
 #include <algorithm>
@@ -16,29 +17,6 @@ constexpr double contactMargin = 600;   // seconds around first and last contact
 constexpr double wrapTolerance = 0.01;  // seconds
 constexpr double clockSavePeriod = 2.0; // seconds
 constexpr char liveRefusal[] = "Timeline jumps are disabled in LIVE timing — the clock follows real time.";
-
-struct TimeOfDay {
-    int hour = 0;
-    int minute = 0;
-    int second = 0;
-};
-
-/// Two or three fields of digits between colons.
-std::optional<TimeOfDay> readTimeOfDay(std::string_view text) {
-    const auto fields = base::split(base::trimmed(text), ':');
-    if (fields.size() < 2 || fields.size() > 3)
-        return std::nullopt;
-    int values[3] = {0, 0, 0};
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        const auto value = base::readInteger(fields[i]);
-        if (!value || fields[i].find_first_not_of("0123456789") != std::string_view::npos)
-            return std::nullopt;
-        values[i] = *value;
-    }
-    if (values[0] > 23 || values[1] > 59 || values[2] > 59)
-        return std::nullopt;
-    return TimeOfDay{values[0], values[1], values[2]};
-}
 
 } // namespace
 
@@ -122,7 +100,7 @@ bool Transport::jumpToLocalTime(std::string_view text) {
         log_.pushLog(liveRefusal);
         return false;
     }
-    const auto time = readTimeOfDay(text);
+    const auto time = base::readTimeOfDay(text);
     if (!time)
         return false;
     const auto& contacts = site_.contactTHours();

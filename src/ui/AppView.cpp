@@ -20,6 +20,11 @@ bool coversDashboard(const QString& sheet) {
     return sheet == QLatin1String("Script") || sheet == QLatin1String("Settings");
 }
 
+/// Sheets that are only read.
+bool isPage(const QString& sheet) {
+    return sheet == QLatin1String("Guide") || sheet == QLatin1String("Keys");
+}
+
 } // namespace
 
 AppView::AppView(rig::RigModel& rig, QString version, QObject* parent)
@@ -35,15 +40,26 @@ AppView::AppView(rig::RigModel& rig, QString version, QObject* parent)
 void AppView::openSheet(const QString& name) {
     if (sheet_ == name)
         return;
+    sheetBelow_.clear();
+    setSheet(name);
+}
+
+void AppView::closeSheet() {
+    setSheet(std::exchange(sheetBelow_, QString()));
+}
+
+void AppView::openPage(const QString& name) {
+    if (sheetBelow_.isEmpty() && !isPage(sheet_))
+        sheetBelow_ = sheet_;
+    setSheet(name);
+}
+
+void AppView::setSheet(const QString& name) {
     if (!sheet_.isEmpty())
         Q_EMIT sheetClosing(sheet_);
     sheet_ = name;
     rig_.renderPace().setSheetCoveringDashboard(coversDashboard(sheet_));
     Q_EMIT sheetChanged();
-}
-
-void AppView::closeSheet() {
-    openSheet(QString());
 }
 
 void AppView::arm() {
@@ -59,8 +75,12 @@ void AppView::leaveLive() {
 void AppView::openGuide(const QString& title, const QString& page) {
     guidePage_ = title;
     guideFile_ = page;
-    sheet_.clear(); // the same sheet may show another page
-    openSheet(QStringLiteral("Guide"));
+    openPage(QStringLiteral("Guide"));
+}
+
+void AppView::openKeys(const QString& keysHere) {
+    keysHere_ = keysHere;
+    openPage(QStringLiteral("Keys"));
 }
 
 QString AppView::guideText() const {

@@ -17,6 +17,7 @@ class AppView : public QObject {
     Q_PROPERTY(QString bugFacts READ bugFacts NOTIFY sheetChanged)
     Q_PROPERTY(QString guidePage READ guidePage NOTIFY sheetChanged)
     Q_PROPERTY(QString guideText READ guideText NOTIFY sheetChanged)
+    Q_PROPERTY(QString keysHere READ keysHere NOTIFY sheetChanged)
     Q_PROPERTY(QString prompt READ prompt NOTIFY promptChanged)
     Q_PROPERTY(QString promptText READ promptText NOTIFY promptChanged)
     Q_PROPERTY(QString eclipseDayName READ eclipseDayName NOTIFY promptChanged)
@@ -26,12 +27,15 @@ public:
 
     QString sheet() const { return sheet_; }
     Q_INVOKABLE void openSheet(const QString& name);
+    /// Closes the sheet; a page to read gives way to the sheet that it was opened over.
     Q_INVOKABLE void closeSheet();
     /// Begins and ends the live run, behind the deliberate act that the sheets ask for.
     Q_INVOKABLE void arm();
     Q_INVOKABLE void leaveLive();
     /// Opens a page of the documents that are built in.
     void openGuide(const QString& title, const QString& page);
+    /// Opens the list of keys, headed by those of the place that one is in.
+    void openKeys(const QString& keysHere);
 
     QString version() const { return version_; }
     /// What helps to understand a fault: version, system, what is set, and the log.
@@ -39,6 +43,7 @@ public:
     Q_INVOKABLE static void copy(const QString& text);
     QString guidePage() const { return guidePage_; }
     QString guideText() const;
+    QString keysHere() const { return keysHere_; }
 
     /// "resume", "eclipseDay" or empty, with its words.
     QString prompt() const;
@@ -61,9 +66,14 @@ Q_SIGNALS:
     void scriptLineWanted(int lineNo);
 
 private:
+    void openPage(const QString& name);
+    void setSheet(const QString& name);
+
     rig::RigModel& rig_;
     const QString version_;
     QString sheet_;
+    QString sheetBelow_; ///< the one to go back to from a page to read
+    QString keysHere_;
     QString guidePage_;
     QString guideFile_;
     bool typing_ = false;

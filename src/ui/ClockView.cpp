@@ -204,6 +204,11 @@ bool ClockView::jumpToLocalTime(const QString& text) {
     return rig_.transport().jumpToLocalTime(text.toStdString());
 }
 
+QString ClockView::nudged(const QString& time, int seconds) {
+    const auto read = base::readTimeOfDay(time.toStdString());
+    return read ? qt(base::laterTimeOfDay(*read, seconds)) : time;
+}
+
 void ClockView::jumpToContact(const QString& key) {
     rig_.transport().jump(key.toStdString());
 }

@@ -64,6 +64,8 @@ public:
     QString nextShot() const;
 
     Q_INVOKABLE bool jumpToLocalTime(const QString& text);
+    /// A typed time of day so many seconds on; the text as it is when it is none.
+    Q_INVOKABLE static QString nudged(const QString& time, int seconds);
     Q_INVOKABLE void jumpToContact(const QString& key);
 
 Q_SIGNALS:

@@ -8,6 +8,7 @@
 
 #include <QDesktopServices>
 #include <QGuiApplication>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QUrl>
 
@@ -56,6 +57,15 @@ void toggleMaximized(QQuickWindow& window) {
         window.showNormal();
     else
         window.showMaximized();
+}
+
+/// What an item or what it stands in says of its keys.
+QString keysOf(const QQuickItem* item) {
+    for (; item; item = item->parentItem()) {
+        if (const QString keys = item->property("keysHere").toString(); !keys.isEmpty())
+            return keys;
+    }
+    return {};
 }
 
 void addEdit(Commands& commands, EditTarget& edit) {
@@ -138,7 +148,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("openScriptGuide", "Script Language Guide", "",
              guide("Script Language Guide", "script-language.md"))
         .add("openFeatures", "Features & Roadmap", "", guide("Features & Roadmap", "roadmap.md"))
-        .add("showKeys", "Keys", "F1", sheet("Keys"));
+        .add("showKeys", "Keys", "F1", [&app, window] { app.openKeys(keysOf(window()->activeFocusItem())); });
 }
 
 } // namespace zenka::ui

@@ -111,6 +111,23 @@ void LocationView::typeZone(const QString& text) {
     Q_EMIT draftChanged();
 }
 
+void LocationView::nudgeLatitude(int steps) {
+    draft_->nudge(Field::lat, steps);
+    Q_EMIT draftChanged();
+}
+
+void LocationView::nudgeLongitude(int steps) {
+    draft_->nudge(Field::lon, steps);
+    Q_EMIT draftChanged();
+}
+
+void LocationView::nudgeElevation(int steps) {
+    draft_->nudge(Field::elev, steps);
+    elevNote_.clear();
+    heightAwaited_ = false;
+    Q_EMIT draftChanged();
+}
+
 void LocationView::check() {
     draft_->check();
     Q_EMIT draftChanged();

@@ -72,6 +72,10 @@ public:
     Q_INVOKABLE void typeElevation(const QString& text);
     Q_INVOKABLE void typeLabel(const QString& text);
     Q_INVOKABLE void typeZone(const QString& text);
+    /// Steps of a number up or down: a thousandth of a degree, a metre.
+    Q_INVOKABLE void nudgeLatitude(int steps);
+    Q_INVOKABLE void nudgeLongitude(int steps);
+    Q_INVOKABLE void nudgeElevation(int steps);
     /// The typing in a field is over.
     Q_INVOKABLE void check();
 

@@ -7,6 +7,7 @@
 
 #include <absl/strings/str_format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -51,6 +52,16 @@ void SiteDraft::take(rig::Site site) {
 void SiteDraft::setElevation(double metres) {
     site_.elev = metres;
     at(Field::elev) = {.text = absl::StrFormat("%.9g", metres), .fault = {}};
+}
+
+void SiteDraft::nudge(Field field, int steps) {
+    constexpr double degreeStep = 0.001;
+    if (field == Field::lat)
+        moveTo(std::clamp(site_.lat + steps * degreeStep, -90.0, 90.0), site_.lon);
+    else if (field == Field::lon)
+        moveTo(site_.lat, site_.lon + steps * degreeStep);
+    else if (field == Field::elev)
+        setElevation(std::clamp(site_.elev + steps, lowestMetres, highestMetres));
 }
 
 void SiteDraft::moveTo(double lat, double lon) {

@@ -23,6 +23,8 @@ public:
     void moveTo(double lat, double lon);
     void type(Field field, const std::string& text);
     void setElevation(double metres);
+    /// Moves a number on by steps of a thousandth of a degree or a metre, within its range.
+    void nudge(Field field, int steps);
 
     /// Looks at every field; true when there is no fault.
     bool check();

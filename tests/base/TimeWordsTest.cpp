@@ -43,3 +43,15 @@ TEST(TimeWords, aDurationOfDaysTellsThem) {
     EXPECT_EQ(durHMS(86400), "1d 00:00:00");
     EXPECT_EQ(durHMS(8 * 86400 + 23 * 3600 + 184), "8d 23:03:04");
 }
+
+TEST(TimeWords, aTimeOfDayIsNudgedAroundMidnight) {
+    const auto later = [](const char* text, int seconds) {
+        const auto time = readTimeOfDay(text);
+        return time ? laterTimeOfDay(*time, seconds) : std::string("no time");
+    };
+    EXPECT_EQ(later("20:29", 1), "20:29:01");
+    EXPECT_EQ(later(" 23:59:30 ", 60), "00:00:30");
+    EXPECT_EQ(later("0:0", -1), "23:59:59");
+    for (const char* bad : {"", "20", "24:00", "20:60", "20:00:60", "+1:00", "1:2:3:4", "ab:cd", "-1:00"})
+        EXPECT_EQ(later(bad, 0), "no time") << bad;
+}

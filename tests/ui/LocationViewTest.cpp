@@ -77,6 +77,18 @@ TEST_F(LocationViewTest, aHalfTypedTextIsNotBlamed) {
     EXPECT_NE(view->latFault(), QString());
 }
 
+TEST_F(LocationViewTest, numbersAreNudgedWithinTheirRange) {
+    view->typeLatitude("89.9995");
+    view->nudgeLatitude(1);
+    EXPECT_EQ(view->latText(), "90");
+    view->typeLongitude("179.9995");
+    view->nudgeLongitude(1);
+    EXPECT_EQ(view->lonText(), "-179.9995") << "around the date line";
+    view->typeElevation("12.5");
+    view->nudgeElevation(-10);
+    EXPECT_EQ(view->elevText(), "2.5");
+}
+
 TEST_F(LocationViewTest, aPastedPairFillsBothFields) {
     for (const char* pair : {"40.5, -3.25", "40.5,  −3.25", "40°30′0″ N, 3°15′0″ W", "40.5;-3.25"}) {
         view->reset();

@@ -4,6 +4,7 @@ import QtQuick.Layouts
 SheetFrame {
     title: "Jump to time"
     sheetWidth: 480
+    readonly property string keysHere: "Up, down: a second on or back, with Shift a minute. Enter: jump. Escape: back."
     ColumnLayout {
         width: parent.width
         spacing: 8
@@ -17,6 +18,8 @@ SheetFrame {
             Accessible.name: "Time of day at the site"
             Component.onCompleted: selectAll()
             onAccepted: go()
+            Keys.onUpPressed: (event) => text = clock.nudged(text, event.modifiers & Qt.ShiftModifier ? 60 : 1)
+            Keys.onDownPressed: (event) => text = clock.nudged(text, event.modifiers & Qt.ShiftModifier ? -60 : -1)
             function go() {
                 if (clock.jumpToLocalTime(text))
                     app.closeSheet()

@@ -5,8 +5,15 @@ import QtQuick.Layouts
 SheetFrame {
     title: "Keys"
     grow: true
+    ZLabel {
+        id: here
+        width: parent.width
+        visible: text !== ""
+        text: app.keysHere === "" ? "" : "Here: " + app.keysHere
+        font.bold: true
+    }
     ListView {
-        anchors.fill: parent
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; top: here.visible ? here.bottom : parent.top; topMargin: here.visible ? 10 : 0 }
         model: commands
         clip: true
         focus: true

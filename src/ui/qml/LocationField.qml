@@ -9,6 +9,7 @@ ColumnLayout {
     property string fault
     property string note
     signal typed(string text)
+    signal nudged(int steps)
     Layout.fillWidth: true
     spacing: 2
 
@@ -21,6 +22,8 @@ ColumnLayout {
             text: root.shown
             onTextEdited: root.typed(text)
             onEditingFinished: location.check()
+            Keys.onUpPressed: (event) => root.nudged(event.modifiers & Qt.ShiftModifier ? 10 : 1)
+            Keys.onDownPressed: (event) => root.nudged(event.modifiers & Qt.ShiftModifier ? -10 : -1)
             Accessible.name: root.name
             Accessible.description: root.fault !== "" ? root.fault : root.note
         }

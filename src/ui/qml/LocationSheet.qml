@@ -8,6 +8,7 @@ SheetFrame {
     id: sheet
     title: "Location"
     grow: true
+    readonly property string keysHere: "Up, down: a step of the number, with Shift ten. Tab: to the next field and on to the map. On the map: arrows move it, + and − zoom, Enter takes the cross-hair. Escape: back, with the site as it was."
     Component.onCompleted: location.open()
 
     function use() {
@@ -37,14 +38,17 @@ SheetFrame {
                     LocationField {
                         name: "Latitude"; shown: location.latText; fault: location.latFault
                         onTyped: (text) => location.typeLatitude(text)
+                        onNudged: (steps) => location.nudgeLatitude(steps)
                     }
                     LocationField {
                         name: "Longitude"; shown: location.lonText; fault: location.lonFault
                         onTyped: (text) => location.typeLongitude(text)
+                        onNudged: (steps) => location.nudgeLongitude(steps)
                     }
                     LocationField {
                         name: "Elevation, m"; shown: location.elevText; fault: location.elevFault; note: location.elevNote
                         onTyped: (text) => location.typeElevation(text)
+                        onNudged: (steps) => location.nudgeElevation(steps)
                     }
                     LocationField {
                         name: "Label"; shown: location.label

@@ -6,6 +6,7 @@ import QtQuick.Layouts
 Rectangle {
     id: panel
     color: theme.panel
+    readonly property string keysHere: "Up, down: choose a line, with Shift more of them. Ctrl+A: all. Ctrl+C: copy. Escape: none, or an empty filter."
     readonly property bool low: height < 90
 
     ColumnLayout {

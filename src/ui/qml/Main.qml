@@ -82,7 +82,7 @@ ApplicationWindow {
             PanelSlot {
                 source: "TimelinePanel.qml"
                 Layout.fillWidth: true
-                Layout.preferredHeight: window.small ? 84 : Math.max(150, window.height * 0.24)
+                Layout.preferredHeight: window.small ? 84 : Math.max(150, Math.min(window.height * 0.24, theme.scale * 90 + timeline.laneCount * 52))
             }
             TransportBar { Layout.fillWidth: true }
             PanelSlot {

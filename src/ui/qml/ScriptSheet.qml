@@ -11,6 +11,7 @@ SheetFrame {
     readonly property bool low: height < 500
     title: low ? "Script  " + (script.edited ? "✎ " : "") + script.name : "Script"
     grow: true
+    readonly property string keysHere: "Ctrl+S: save. Ctrl+Shift+S: save as. Ctrl+O: open. Ctrl+N: new. Ctrl+Z, Ctrl+Shift+Z: undo, redo. Tab: to the buttons and the diagnostics, where Enter goes to the line. Escape: back, with the text kept."
 
     function askWhereToSave() {
         const dialog = theme.night && savePicker.item ? savePicker.item : saveDialog

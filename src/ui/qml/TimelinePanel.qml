@@ -7,6 +7,7 @@ import Zenka
 Rectangle {
     id: panel
     objectName: "timelinePanel"
+    readonly property string keysHere: timeline.keysText
     color: theme.panel
     property bool low: height < 140
 
