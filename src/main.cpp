@@ -2,6 +2,7 @@
 #include "platform/LinuxFolders.h"
 #include "platform/LinuxPorts.h"
 #include "platform/QtSettings.h"
+#include "platform/QuitSignals.h"
 #include "rig/RigModel.h"
 #include "ui/Window.h"
 
@@ -29,6 +30,7 @@ int runWindow(int argc, char** argv) {
     using namespace zenka;
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Zenka"));
+    QGuiApplication::setApplicationVersion(QStringLiteral(ZENKA_VERSION));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Zenka"));
     QGuiApplication::setDesktopFileName(QStringLiteral("zenka"));
     platform::ThreadWorkQueues settingsQueues;
@@ -36,6 +38,7 @@ int runWindow(int argc, char** argv) {
     platform::LinuxFolders folders;
     platform::LinuxPorts machine(settings, folders);
     rig::RigModel rig(machine.all, ZENKA_VERSION);
+    const platform::QuitSignals quitSignals(&QGuiApplication::quit);
     ui::Window window(rig, machine.all, QStringLiteral(ZENKA_VERSION));
     if (const auto damage = settings.damage())
         rig.log().pushLog("⚠️ " + *damage);
