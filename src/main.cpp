@@ -38,7 +38,7 @@ int runWindow(int argc, char** argv) {
     platform::LinuxFolders folders;
     platform::LinuxPorts machine(settings, folders);
     rig::RigModel rig(machine.all, ZENKA_VERSION);
-    const platform::QuitSignals quitSignals(&QGuiApplication::quit);
+    const platform::QuitSignals quitSignals([] { QGuiApplication::exit(0); });
     ui::Window window(rig, machine.all, QStringLiteral(ZENKA_VERSION));
     if (const auto damage = settings.damage())
         rig.log().pushLog("⚠️ " + *damage);

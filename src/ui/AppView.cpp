@@ -72,6 +72,22 @@ void AppView::leaveLive() {
     rig_.transport().useSimulatedTiming();
 }
 
+bool AppView::mayClose() {
+    if (!rig_.transport().live())
+        return true;
+    openSheet(QStringLiteral("QuitLive"));
+    return false;
+}
+
+void AppView::askToQuit() {
+    if (mayClose())
+        quit();
+}
+
+void AppView::quit() {
+    QCoreApplication::exit(0); // quit() would ask the window first
+}
+
 void AppView::openGuide(const QString& title, const QString& page) {
     guidePage_ = title;
     guideFile_ = page;

@@ -32,6 +32,11 @@ public:
     /// Begins and ends the live run, behind the deliberate act that the sheets ask for.
     Q_INVOKABLE void arm();
     Q_INVOKABLE void leaveLive();
+    /// Ends the program, in a live run by the deliberate act of its sheet, which askToQuit() opens. The same
+    /// goes for the window's close button: false keeps it open.
+    Q_INVOKABLE void quit();
+    void askToQuit();
+    Q_INVOKABLE bool mayClose();
     /// Opens a page of the documents that are built in.
     void openGuide(const QString& title, const QString& page);
     /// Opens the list of keys, headed by those of the place that one is in.

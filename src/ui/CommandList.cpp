@@ -7,7 +7,6 @@
 #include "ui/Theme.h"
 
 #include <QDesktopServices>
-#include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QUrl>
@@ -110,7 +109,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("openSettings", "Settings…", "Ctrl+,", sheet("Settings"))
         .add("reportBug", "Report a Bug…", "", sheet("ReportBug"))
         .add("hide", "Hide Zenka", "Ctrl+H", [window] { window()->showMinimized(); })
-        .add("quit", "Quit Zenka", "Ctrl+Q", [] { QGuiApplication::quit(); });
+        .add("quit", "Quit Zenka", "Ctrl+Q", [&app] { app.askToQuit(); });
 
     Menu(commands, "File")
         .add("newScriptCmd", "New Script", "Ctrl+N", script("newScript"))

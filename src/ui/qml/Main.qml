@@ -5,6 +5,7 @@ import QtQuick.Layouts
 ApplicationWindow {
     id: window
     color: theme.page
+    onClosing: (close) => close.accepted = app.mayClose()
     // For what the toolkit draws by itself, such as its file dialog.
     palette {
         window: theme.panel
