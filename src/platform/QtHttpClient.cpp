@@ -130,7 +130,7 @@ void QtHttpClient::cancel(RequestId request) {
     exchanges_.erase(request);
 }
 
-void QtHttpClient::complete(RequestId request, ports::HttpReply reply) {
+void QtHttpClient::complete(RequestId request, const ports::HttpReply& reply) {
     auto node = exchanges_.extract(request);
     if (node.empty())
         return;
@@ -143,7 +143,7 @@ void QtHttpClient::complete(RequestId request, ports::HttpReply reply) {
 void QtHttpClient::refuse(RequestId request, std::string fault) {
     ports::HttpReply reply;
     reply.fault = std::move(fault);
-    complete(request, std::move(reply));
+    complete(request, reply);
 }
 
 void QtHttpClient::read(RequestId request) {
@@ -178,7 +178,7 @@ void QtHttpClient::finish(RequestId request) {
         for (const auto& [name, value] : source.rawHeaderPairs())
             reply.headers.insert_or_assign(name.toLower().toStdString(), value.toStdString());
     }
-    complete(request, std::move(reply));
+    complete(request, reply);
 }
 
 } // namespace zenka::platform

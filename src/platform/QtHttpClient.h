@@ -27,7 +27,7 @@ public:
 private:
     struct Exchange;
 
-    void complete(RequestId request, ports::HttpReply reply);
+    void complete(RequestId request, const ports::HttpReply& reply);
     void refuse(RequestId request, std::string fault);
     void read(RequestId request);
     void finish(RequestId request);

@@ -144,23 +144,23 @@ bool ScriptDesk::loadNow(const std::string& path) {
     ScriptFiles::Read read = files_.readNow(path);
     if (!read.text)
         return false;
-    takeFile(path, std::move(read));
+    takeFile(path, *std::move(read.text), read.windowsLineEnds);
     return true;
 }
 
-void ScriptDesk::takeFile(const std::string& path, ScriptFiles::Read read) {
-    const auto saved = Fingerprint::of(*read.text);
-    replace(*std::move(read.text), {.name = ScriptFiles::nameOf(path),
-                                    .file = path,
-                                    .saved = saved,
-                                    .windowsLineEnds = read.windowsLineEnds});
+void ScriptDesk::takeFile(const std::string& path, std::string text, bool windowsLineEnds) {
+    const auto saved = Fingerprint::of(text);
+    replace(std::move(text), {.name = ScriptFiles::nameOf(path),
+                              .file = path,
+                              .saved = saved,
+                              .windowsLineEnds = windowsLineEnds});
 }
 
 void ScriptDesk::openFile(const std::string& path, Done done) {
     files_.read(path, lifeline_.guard([this, path, done = std::move(done)](ScriptFiles::Read read) {
         if (!read.text)
             return done(read.fault + " The script here is as it was.");
-        takeFile(path, std::move(read));
+        takeFile(path, *std::move(read.text), read.windowsLineEnds);
         files_.noteRecent(path);
         compile();
         done({});

@@ -117,7 +117,7 @@ private:
 
     /// False, and nothing changed, when the file cannot be read as UTF-8.
     bool loadNow(const std::string& path);
-    void takeFile(const std::string& path, ScriptFiles::Read read);
+    void takeFile(const std::string& path, std::string text, bool windowsLineEnds);
     void replace(std::string text, Origin origin);
     void compareWithLastFile(const std::string& path);
     void publishOrigin();

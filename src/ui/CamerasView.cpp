@@ -280,36 +280,36 @@ QVariant CamerasView::data(const QModelIndex& index, int role) const {
         return {};
     const Row& row = rows_[static_cast<std::size_t>(index.row())];
     switch (role) {
-    case IdRole: return qt(row.id);
-    case MissingRole: return row.missing;
+    case idRole: return qt(row.id);
+    case missingRole: return row.missing;
     case Qt::DisplayRole:
-    case LabelRole: return row.label;
-    case ModelRole: return row.model;
-    case DetailsRole: return row.details;
-    case SymbolRole: return row.symbol;
-    case StateRole: return row.state;
-    case LastFrameRole: return row.lastFrame.isEmpty() ? QStringLiteral("no frame yet") : row.lastFrame;
-    case CountsRole: return row.counts;
-    case DroppedRole: return row.dropped;
-    case WarningRole: return row.warning;
-    case UsedRole: return row.used;
-    case StatusLineRole:
+    case labelRole: return row.label;
+    case modelRole: return row.model;
+    case detailsRole: return row.details;
+    case symbolRole: return row.symbol;
+    case stateRole: return row.state;
+    case lastFrameRole: return row.lastFrame.isEmpty() ? QStringLiteral("no frame yet") : row.lastFrame;
+    case countsRole: return row.counts;
+    case droppedRole: return row.dropped;
+    case warningRole: return row.warning;
+    case usedRole: return row.used;
+    case statusLineRole:
         return row.symbol + u' ' + row.label + QStringLiteral("  ") +
                (row.missing               ? row.details
                 : row.lastFrame.isEmpty() ? row.details
                                           : row.lastFrame) +
                (row.dropped.isEmpty() ? QString() : QStringLiteral("  ") + row.dropped);
-    case RunRole: return row.run;
+    case runRole: return row.run;
     default: return {};
     }
 }
 
 QHash<int, QByteArray> CamerasView::roleNames() const {
-    return {{IdRole, "cameraId"},           {MissingRole, "missing"},     {LabelRole, "label"},
-            {ModelRole, "bodyModel"},       {DetailsRole, "details"},     {SymbolRole, "symbol"},
-            {StateRole, "bodyState"},       {LastFrameRole, "lastFrame"}, {CountsRole, "counts"},
-            {DroppedRole, "dropped"},       {WarningRole, "warning"},     {UsedRole, "used"},
-            {StatusLineRole, "statusLine"}, {RunRole, "runActive"}};
+    return {{idRole, "cameraId"},           {missingRole, "missing"},     {labelRole, "label"},
+            {modelRole, "bodyModel"},       {detailsRole, "details"},     {symbolRole, "symbol"},
+            {stateRole, "bodyState"},       {lastFrameRole, "lastFrame"}, {countsRole, "counts"},
+            {droppedRole, "dropped"},       {warningRole, "warning"},     {usedRole, "used"},
+            {statusLineRole, "statusLine"}, {runRole, "runActive"}};
 }
 
 } // namespace zenka::ui

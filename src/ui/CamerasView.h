@@ -24,20 +24,20 @@ class CamerasView : public QAbstractListModel {
 
 public:
     enum Role {
-        IdRole = Qt::UserRole,
-        MissingRole, ///< no body: a name of the script
-        LabelRole,
-        ModelRole,
-        DetailsRole,    ///< "simulated · connected"
-        SymbolRole,     ///< the state as a shape
-        StateRole,      ///< and in a word
-        LastFrameRole,  ///< "Pre 62%  ISO 100 f/8 1/500  ✓ 212ms"
-        CountsRole,     ///< "● 128"
-        DroppedRole,    ///< "▲ 2 dropped", empty for none
-        WarningRole,    ///< a sentence, empty for none
-        UsedRole,       ///< the script has frames for it
-        StatusLineRole, ///< "● CAM1  Pre 62%  ISO 100 f/8 1/500  ✓ 212ms"
-        RunRole         ///< a run is on, in which taking a body away costs frames
+        idRole = Qt::UserRole,
+        missingRole, ///< no body: a name of the script
+        labelRole,
+        modelRole,
+        detailsRole,    ///< "simulated · connected"
+        symbolRole,     ///< the state as a shape
+        stateRole,      ///< and in a word
+        lastFrameRole,  ///< "Pre 62%  ISO 100 f/8 1/500  ✓ 212ms"
+        countsRole,     ///< "● 128"
+        droppedRole,    ///< "▲ 2 dropped", empty for none
+        warningRole,    ///< a sentence, empty for none
+        usedRole,       ///< the script has frames for it
+        statusLineRole, ///< "● CAM1  Pre 62%  ISO 100 f/8 1/500  ✓ 212ms"
+        runRole         ///< a run is on, in which taking a body away costs frames
     };
 
     CamerasView(rig::RigModel& rig, QObject* parent);

@@ -61,7 +61,7 @@ void toggleMaximized(QQuickWindow& window) {
 /// What an item or what it stands in says of its keys.
 QString keysOf(const QQuickItem* item) {
     for (; item; item = item->parentItem()) {
-        if (const QString keys = item->property("keysHere").toString(); !keys.isEmpty())
+        if (QString keys = item->property("keysHere").toString(); !keys.isEmpty())
             return keys;
     }
     return {};

@@ -56,7 +56,7 @@ QStringList Commands::menus() const {
 
 void Commands::refresh() {
     if (!commands_.empty())
-        Q_EMIT dataChanged(index(0), index(rowCount() - 1), {EnabledRole});
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1), {enabledRole});
     Q_EMIT refreshed();
 }
 
@@ -69,20 +69,20 @@ QVariant Commands::data(const QModelIndex& index, int role) const {
         return {};
     const Command& command = commands_[static_cast<std::size_t>(index.row())];
     switch (role) {
-    case IdRole: return command.id;
-    case MenuRole: return command.menu;
+    case idRole: return command.id;
+    case menuRole: return command.menu;
     case Qt::DisplayRole:
-    case TextRole: return command.text;
-    case ShortcutRole: return command.shortcut;
-    case EnabledRole: return isOn(command);
-    case StandardRole: return command.standard;
+    case textRole: return command.text;
+    case shortcutRole: return command.shortcut;
+    case enabledRole: return isOn(command);
+    case standardRole: return command.standard;
     default: return {};
     }
 }
 
 QHash<int, QByteArray> Commands::roleNames() const {
-    return {{IdRole, "commandId"},      {MenuRole, "menu"},         {TextRole, "text"},
-            {ShortcutRole, "shortcut"}, {EnabledRole, "isEnabled"}, {StandardRole, "standard"}};
+    return {{idRole, "commandId"},      {menuRole, "menu"},         {textRole, "text"},
+            {shortcutRole, "shortcut"}, {enabledRole, "isEnabled"}, {standardRole, "standard"}};
 }
 
 } // namespace zenka::ui

@@ -26,7 +26,7 @@ class Commands : public QAbstractListModel {
     Q_PROPERTY(QStringList menus READ menus CONSTANT)
 
 public:
-    enum Role { IdRole = Qt::UserRole, MenuRole, TextRole, ShortcutRole, EnabledRole, StandardRole };
+    enum Role { idRole = Qt::UserRole, menuRole, textRole, shortcutRole, enabledRole, standardRole };
 
     explicit Commands(QObject* parent) : QAbstractListModel(parent) {}
 

@@ -58,12 +58,15 @@ QImage coronaPicture(double sunRadius, const QColor& color) {
     picture.fill(Qt::transparent);
     // A table by direction and distance, since the streamers cost too much to work out for each pixel.
     const int distances = half + 2;
-    std::vector<float> table(static_cast<std::size_t>(directions * distances));
+    const auto at = [distances](int direction, int distance) {
+        return static_cast<std::size_t>(direction) * static_cast<std::size_t>(distances) +
+               static_cast<std::size_t>(distance);
+    };
+    std::vector<float> table(at(directions, 0));
     for (int d = 0; d < directions; ++d) {
         for (int r = 0; r < distances; ++r) {
             const double height = std::max(r / sunRadius - 1, 0.0);
-            table[static_cast<std::size_t>(d * distances + r)] =
-                static_cast<float>(brightness(2 * std::numbers::pi * d / directions, height));
+            table[at(d, r)] = static_cast<float>(brightness(2 * std::numbers::pi * d / directions, height));
         }
     }
     for (int y = 0; y < picture.height(); ++y) {
@@ -76,9 +79,8 @@ QImage coronaPicture(double sunRadius, const QColor& color) {
                 continue;
             const double turn = std::atan2(dy, dx) / (2 * std::numbers::pi) + 1;
             const int direction = static_cast<int>(turn * directions) % directions;
-            const double light =
-                static_cast<double>(table[static_cast<std::size_t>(direction * distances + distance)]);
-            const auto part = [light](int channel) { return static_cast<int>(channel * light + 0.5); };
+            const double light = static_cast<double>(table[at(direction, distance)]);
+            const auto part = [light](int channel) { return qRound(channel * light); };
             line[x] = qRgba(part(color.red()), part(color.green()), part(color.blue()), part(255));
         }
     }

@@ -74,21 +74,21 @@ QVariant DiagnosticsList::data(const QModelIndex& index, int role) const {
         return {};
     const Row& row = rows_[static_cast<std::size_t>(index.row())];
     switch (role) {
-    case RowRole: return row.row;
-    case LineRole: return row.row + 1;
-    case SymbolRole: return row.error ? QStringLiteral("✖") : QStringLiteral("⚠");
-    case WordRole: return row.error ? QStringLiteral("error") : QStringLiteral("warning");
+    case rowRole: return row.row;
+    case lineRole: return row.row + 1;
+    case symbolRole: return row.error ? QStringLiteral("✖") : QStringLiteral("⚠");
+    case wordRole: return row.error ? QStringLiteral("error") : QStringLiteral("warning");
     case Qt::DisplayRole:
-    case MessageRole:
+    case messageRole:
         return row.times > 1 ? QStringLiteral("%1 (%2 times)").arg(row.message).arg(row.times) : row.message;
-    case ErrorRole: return row.error;
+    case errorRole: return row.error;
     default: return {};
     }
 }
 
 QHash<int, QByteArray> DiagnosticsList::roleNames() const {
-    return {{RowRole, "row"},   {LineRole, "line"},       {SymbolRole, "symbol"},
-            {WordRole, "word"}, {MessageRole, "message"}, {ErrorRole, "isError"}};
+    return {{rowRole, "row"},   {lineRole, "line"},       {symbolRole, "symbol"},
+            {wordRole, "word"}, {messageRole, "message"}, {errorRole, "isError"}};
 }
 
 } // namespace zenka::ui

@@ -31,7 +31,7 @@ class DiagnosticsList : public QAbstractListModel {
     Q_PROPERTY(int count READ count NOTIFY changed)
 
 public:
-    enum Role { RowRole = Qt::UserRole, LineRole, SymbolRole, WordRole, MessageRole, ErrorRole };
+    enum Role { rowRole = Qt::UserRole, lineRole, symbolRole, wordRole, messageRole, errorRole };
 
     explicit DiagnosticsList(QObject* parent) : QAbstractListModel(parent) {}
 

@@ -36,11 +36,11 @@ QVariant EclipseList::data(const QModelIndex& index, int role) const {
         return {};
     const eclipse::EclipseRecord& row = *rows_[static_cast<std::size_t>(index.row())];
     switch (role) {
-    case IdRole: return QString::fromStdString(row.id);
-    case TypeRole: return QString::fromStdString(row.type);
-    case NotesRole: return QString::fromStdString(row.notes);
+    case idRole: return QString::fromStdString(row.id);
+    case typeRole: return QString::fromStdString(row.type);
+    case notesRole: return QString::fromStdString(row.notes);
     case Qt::DisplayRole:
-    case LabelRole: {
+    case labelRole: {
         // Shapes, so that the types are told apart without colour.
         const char* mark = row.type == "Total" ? "●" : row.type == "Annular" ? "◎" : "◐";
         return QString::fromUtf8(mark) + QLatin1Char(' ') + QString::fromStdString(row.shortName);
@@ -50,7 +50,7 @@ QVariant EclipseList::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> EclipseList::roleNames() const {
-    return {{IdRole, "eclipseId"}, {LabelRole, "label"}, {TypeRole, "type"}, {NotesRole, "notes"}};
+    return {{idRole, "eclipseId"}, {labelRole, "label"}, {typeRole, "type"}, {notesRole, "notes"}};
 }
 
 } // namespace zenka::ui

@@ -20,7 +20,7 @@ class EclipseList : public QAbstractListModel {
     Q_PROPERTY(int current READ current NOTIFY currentChanged)
 
 public:
-    enum Role { IdRole = Qt::UserRole, LabelRole, TypeRole, NotesRole };
+    enum Role { idRole = Qt::UserRole, labelRole, typeRole, notesRole };
 
     EclipseList(rig::RigModel& rig, QObject* parent);
 

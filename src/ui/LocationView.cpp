@@ -237,9 +237,10 @@ void LocationView::toggleDefault(const QString& id) {
 }
 
 void LocationView::goToGreatest() {
-    if (!hasGreatest())
+    const EclipseTrack* track = this->track();
+    if (!track || !track->greatest)
         return;
-    const eclipse::DurationPoint& point = *track()->greatest;
+    const eclipse::DurationPoint& point = *track->greatest;
     rig::Site site = draft_->site();
     site.lat = point.lat;
     site.lon = point.lon;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ranges>
 
 namespace zenka::ui {
 
@@ -141,7 +142,7 @@ void LogView::selectRange(int from, int to, bool only) {
         selected = within || (selected && !only);
     }
     if (rowCount() > 0)
-        Q_EMIT dataChanged(index(0), index(rowCount() - 1), {SelectedRole});
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1), {selectedRole});
     Q_EMIT counted();
 }
 
@@ -156,7 +157,7 @@ void LogView::toggle(int row) {
     anchor_ = row;
     bool& selected = rows_[static_cast<std::size_t>(row)].selected;
     selected = !selected;
-    Q_EMIT dataChanged(index(row), index(row), {SelectedRole});
+    Q_EMIT dataChanged(index(row), index(row), {selectedRole});
     Q_EMIT counted();
 }
 
@@ -178,14 +179,14 @@ void LogView::selectNone() {
 QString LogView::copyText() const {
     const bool some = selected() > 0;
     QString text;
-    for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
-        if (row->selected || !some)
-            text += row->line + u'\n';
+    for (const Row& row : std::views::reverse(rows_)) {
+        if (row.selected || !some)
+            text += row.line + u'\n';
     }
     return text;
 }
 
-void LogView::copy() {
+void LogView::copy() const {
     QGuiApplication::clipboard()->setText(copyText());
 }
 
@@ -199,21 +200,21 @@ QVariant LogView::data(const QModelIndex& index, int role) const {
     const Row& row = rows_[static_cast<std::size_t>(index.row())];
     switch (role) {
     case Qt::DisplayRole:
-    case LineRole: return withoutPictures(row.line);
-    case SymbolRole: return row.parts.symbol;
-    case StateRole: return row.parts.state;
-    case TextRole: return row.parts.text;
-    case SelectedRole: return row.selected;
+    case lineRole: return withoutPictures(row.line);
+    case symbolRole: return row.parts.symbol;
+    case stateRole: return row.parts.state;
+    case textRole: return row.parts.text;
+    case selectedRole: return row.selected;
     default: return {};
     }
 }
 
 QHash<int, QByteArray> LogView::roleNames() const {
-    return {{LineRole, "line"},
-            {SymbolRole, "symbol"},
-            {StateRole, "lineState"},
-            {TextRole, "lineText"},
-            {SelectedRole, "lineSelected"}};
+    return {{lineRole, "line"},
+            {symbolRole, "symbol"},
+            {stateRole, "lineState"},
+            {textRole, "lineText"},
+            {selectedRole, "lineSelected"}};
 }
 
 } // namespace zenka::ui

@@ -31,7 +31,7 @@ class LogView : public QAbstractListModel {
     Q_PROPERTY(int selected READ selected NOTIFY counted)
 
 public:
-    enum Role { LineRole = Qt::UserRole, SymbolRole, StateRole, TextRole, SelectedRole };
+    enum Role { lineRole = Qt::UserRole, symbolRole, stateRole, textRole, selectedRole };
 
     LogView(rig::RigModel& rig, QObject* parent);
 
@@ -52,7 +52,7 @@ public:
 
     /// Puts the selected lines, or all that the filter lets through where none is, on the clipboard, oldest
     /// first.
-    Q_INVOKABLE void copy();
+    Q_INVOKABLE void copy() const;
     QString copyText() const;
 
     int rowCount(const QModelIndex& parent = {}) const override;

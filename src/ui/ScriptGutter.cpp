@@ -11,7 +11,7 @@
 
 namespace zenka::ui {
 
-ScriptGutter::ScriptGutter(QQuickItem* parent) : QQuickPaintedItem(parent) {
+ScriptGutter::ScriptGutter(QQuickItem* parent) : PaintedView(parent) {
     connect(this, &ScriptGutter::changed, this, [this] { update(); });
 }
 
@@ -19,22 +19,14 @@ void ScriptGutter::registerTypes() {
     qmlRegisterType<ScriptGutter>("Zenka", 1, 0, "ScriptGutter");
 }
 
-void ScriptGutter::setScript(ScriptView* script) {
-    if (script_ == script)
-        return;
-    if (script_)
-        script_->disconnect(this);
-    script_ = script;
-    if (script_) {
-        connect(script_, &ScriptView::compiled, this, [this] { update(); });
-        connect(script_, &ScriptView::documentChanged, this, &ScriptGutter::follow);
-    }
+void ScriptGutter::followView(ScriptView& view) {
+    connect(&view, &ScriptView::compiled, this, [this] { update(); });
+    connect(&view, &ScriptView::documentChanged, this, &ScriptGutter::follow);
     follow();
-    Q_EMIT changed();
 }
 
 QTextDocument* ScriptGutter::document() const {
-    return script_ && script_->document() ? script_->document()->textDocument() : nullptr;
+    return view() && view()->document() ? view()->document()->textDocument() : nullptr;
 }
 
 void ScriptGutter::follow() {
@@ -52,7 +44,7 @@ int ScriptGutter::rowAtY(double y) const {
     return document()->findBlock(std::max(position, 0)).blockNumber();
 }
 
-void ScriptGutter::paint(QPainter* painter) {
+void ScriptGutter::paintView(QPainter& painter, ScriptView& view, const Theme& theme) {
     const QTextDocument* lines = document();
     if (!lines)
         return;
@@ -62,21 +54,22 @@ void ScriptGutter::paint(QPainter* painter) {
         if (box.top() > height())
             break;
         const int row = block.blockNumber();
-        const int severity = script_->diagnosticsList().severityOf(row);
+        const int severity = view.diagnosticsList().severityOf(row);
         QFont font = font_;
+        font.setStyleStrategy(QFont::NoSubpixelAntialias); // its fringes are no colours of the theme
         font.setBold(row == currentRow_ || severity > 0);
-        painter->setFont(font);
+        painter.setFont(font);
         const QRectF place(4, box.top(), width() - 12, box.height());
-        painter->setPen(severity == 2        ? bad_
-                        : severity == 1      ? warning_
-                        : row == currentRow_ ? text_
-                                             : quiet_);
-        painter->drawText(place, Qt::AlignRight | Qt::AlignVCenter, QString::number(row + 1));
+        painter.setPen(severity == 2        ? theme.bad()
+                       : severity == 1      ? theme.warning()
+                       : row == currentRow_ ? theme.text()
+                                            : theme.quiet());
+        painter.drawText(place, Qt::AlignRight | Qt::AlignVCenter, QString::number(row + 1));
         if (severity > 0) {
             font.setPixelSize(font.pixelSize() * 5 / 4); // the sign is small in its font
-            painter->setFont(font);
-            painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
-                              severity == 2 ? QStringLiteral("✖") : QStringLiteral("⚠"));
+            painter.setFont(font);
+            painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
+                             severity == 2 ? QStringLiteral("✖") : QStringLiteral("⚠"));
         }
     }
 }

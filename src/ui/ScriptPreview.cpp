@@ -28,30 +28,19 @@ std::vector<int> density(const std::vector<double>& instants, double from, doubl
     return counts;
 }
 
-ScriptPreview::ScriptPreview(QQuickItem* parent) : QQuickPaintedItem(parent) {
-    connect(this, &ScriptPreview::changed, this, [this] { update(); });
-}
-
 void ScriptPreview::registerTypes() {
     qmlRegisterType<ScriptPreview>("Zenka", 1, 0, "ScriptPreview");
 }
 
-void ScriptPreview::setScript(ScriptView* script) {
-    if (script_ == script)
-        return;
-    if (script_)
-        script_->disconnect(this);
-    script_ = script;
-    if (script_)
-        connect(script_, &ScriptView::compiled, this, [this] { update(); });
-    Q_EMIT changed();
+void ScriptPreview::followView(ScriptView& view) {
+    connect(&view, &ScriptView::compiled, this, [this] { update(); });
 }
 
-void ScriptPreview::paint(QPainter* painter) {
-    if (!script_ || width() < 4 * partWidth)
+void ScriptPreview::paintView(QPainter& painter, ScriptView& view, const Theme& theme) {
+    if (width() < 4 * partWidth)
         return;
-    const rig::SiteDesk& site = script_->rig().site();
-    const rig::ScriptDesk& desk = script_->rig().script();
+    const rig::SiteDesk& site = view.rig().site();
+    const rig::ScriptDesk& desk = view.rig().script();
     const auto& offsets = desk.captureOffsets();
     double from = site.tC1();
     double to = site.tC4();
@@ -63,8 +52,11 @@ void ScriptPreview::paint(QPainter* painter) {
     to += contactMargin;
     const auto xOf = [&](double clock) { return (clock - from) / (to - from) * width(); };
 
-    painter->setFont(font_);
-    const double label = painter->fontMetrics().height();
+    QFont font;
+    font.setPixelSize(theme.small());
+    font.setStyleStrategy(QFont::NoSubpixelAntialias); // its fringes are no colours of the theme
+    painter.setFont(font);
+    const double label = painter.fontMetrics().height();
     const double cueHeight = 6;
     const double floor = height() - cueHeight - 2;
     const std::vector<int> counts = density(offsets, from, to, static_cast<int>(width() / partWidth));
@@ -75,13 +67,13 @@ void ScriptPreview::paint(QPainter* painter) {
         // A single frame is to be seen beside a hundred, so the height goes by the logarithm.
         const double part = std::log1p(counts[i]) / std::log1p(most);
         const double tall = std::max(4.0, part * (floor - label - 2));
-        painter->fillRect(QRectF(static_cast<double>(i) * partWidth, floor - tall, partWidth - 1, tall),
-                          bar_);
+        painter.fillRect(QRectF(static_cast<double>(i) * partWidth, floor - tall, partWidth - 1, tall),
+                         theme.accent());
     }
-    painter->fillRect(QRectF(0, floor, width(), 1), line_);
+    painter.fillRect(QRectF(0, floor, width(), 1), theme.line());
     for (const script::AudioCue& cue : desk.audioCues()) {
         if (cue.offsetSec >= from && cue.offsetSec <= to)
-            painter->fillRect(QRectF(xOf(cue.offsetSec) - 1, floor + 2, 2, cueHeight), quiet_);
+            painter.fillRect(QRectF(xOf(cue.offsetSec) - 1, floor + 2, 2, cueHeight), theme.quiet());
     }
     // Totality is narrow on this scale: C2 has its name before its line, C3 behind, and MAX has one where
     // there is room.
@@ -95,14 +87,14 @@ void ScriptPreview::paint(QPainter* painter) {
         if (found == site.contactTHours().end())
             continue;
         const double x = xOf(found->second * 3600);
-        painter->fillRect(QRectF(x, label, 1, floor - label), text_);
+        painter.fillRect(QRectF(x, label, 1, floor - label), theme.text());
         const QString name = QString::fromLatin1(contact.key);
-        const double wide = painter->fontMetrics().horizontalAdvance(name);
+        const double wide = painter.fontMetrics().horizontalAdvance(name);
         const QRectF place(std::clamp(x + contact.shift * wide, 0.0, width() - wide), 0, wide + 2, label);
         if (std::ranges::any_of(taken, [&](const QRectF& other) { return other.intersects(place); }))
             continue;
-        painter->setPen(text_);
-        painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, name);
+        painter.setPen(theme.text());
+        painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, name);
         taken.push_back(place);
     }
 }

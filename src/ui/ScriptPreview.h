@@ -1,11 +1,7 @@
 #pragma once
 
+#include "ui/PaintedItem.h"
 #include "ui/ScriptView.h"
-
-#include <QColor>
-#include <QFont>
-#include <QPointer>
-#include <QQuickPaintedItem>
 
 #include <vector>
 
@@ -15,30 +11,16 @@ namespace zenka::ui {
 std::vector<int> density(const std::vector<double>& instants, double from, double to, int parts);
 
 /// A script at a glance: how many frames when, against the contacts, and the cues below them.
-class ScriptPreview : public QQuickPaintedItem {
+class ScriptPreview : public PaintedView<ScriptView> {
     Q_OBJECT
-    Q_PROPERTY(zenka::ui::ScriptView* view MEMBER script_ WRITE setScript NOTIFY changed)
-    Q_PROPERTY(QFont font MEMBER font_ NOTIFY changed)
-    Q_PROPERTY(QColor bar MEMBER bar_ NOTIFY changed)
-    Q_PROPERTY(QColor text MEMBER text_ NOTIFY changed)
-    Q_PROPERTY(QColor quiet MEMBER quiet_ NOTIFY changed)
-    Q_PROPERTY(QColor line MEMBER line_ NOTIFY changed)
+    Q_PROPERTY(zenka::ui::ScriptView* view READ view WRITE setView NOTIFY viewChanged)
 
 public:
-    explicit ScriptPreview(QQuickItem* parent = nullptr);
-
     static void registerTypes();
 
-    void setScript(ScriptView* script);
-    void paint(QPainter* painter) override;
-
-Q_SIGNALS:
-    void changed();
-
 private:
-    QPointer<ScriptView> script_;
-    QFont font_;
-    QColor bar_, text_, quiet_, line_;
+    void followView(ScriptView& view) override;
+    void paintView(QPainter& painter, ScriptView& view, const Theme& theme) override;
 };
 
 } // namespace zenka::ui

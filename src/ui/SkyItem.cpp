@@ -16,7 +16,7 @@ SkyColors skyColors(const Theme& theme) {
             .text = theme.quiet()};
 }
 
-SkyItem::SkyItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
+SkyItem::SkyItem(QQuickItem* parent) : PaintedView(parent) {
     setOpaquePainting(true);
 }
 
@@ -24,37 +24,12 @@ void SkyItem::registerTypes() {
     qmlRegisterType<SkyItem>("Zenka", 1, 0, "SkyItem");
 }
 
-void SkyItem::setView(SkyView* view) {
-    if (view_ == view)
-        return;
-    if (view_)
-        view_->disconnect(this);
-    view_ = view;
-    if (view_)
-        connect(view_, &SkyView::changed, this, [this] { update(); });
-    update();
-    Q_EMIT viewChanged();
+void SkyItem::followView(SkyView& view) {
+    connect(&view, &SkyView::changed, this, [this] { update(); });
 }
 
-void SkyItem::setColors(Theme* colors) {
-    if (colors_ == colors)
-        return;
-    if (colors_)
-        colors_->disconnect(this);
-    colors_ = colors;
-    if (colors_)
-        connect(colors_, &Theme::changed, this, [this] { update(); });
-    update();
-    Q_EMIT colorsChanged();
-}
-
-void SkyItem::paint(QPainter* painter) {
-    if (!view_ || !colors_)
-        return;
-    QFont font(colors_->digits());
-    font.setPixelSize(colors_->small());
-    font.setStyleStrategy(QFont::NoSubpixelAntialias); // its fringes are no colours of the theme
-    paintSky(*painter, size(), view_->scene(), skyColors(*colors_), font, corona_);
+void SkyItem::paintView(QPainter& painter, SkyView& view, const Theme& theme) {
+    paintSky(painter, size(), view.scene(), skyColors(theme), smallDigits(theme), corona_);
 }
 
 } // namespace zenka::ui

@@ -24,6 +24,12 @@ QString degrees(const char* name, double value, int digits) {
     return QString::fromStdString(absl::StrFormat("%s %s%s°", name, minus ? "−" : "", text));
 }
 
+/// Null where the eclipse is not seen.
+const eclipse::LocalCircumstances* seenFrom(const rig::SiteDesk& site) {
+    const auto& circ = site.circ();
+    return circ && circ->maxMagnitude > 0 ? &*circ : nullptr;
+}
+
 } // namespace
 
 SkyView::SkyView(rig::RigModel& rig, const ports::Ports&, QObject* parent) : QObject(parent), rig_(rig) {
@@ -45,13 +51,9 @@ bool SkyView::reached(const char* contact) const {
     return found != contacts.end() && found->second * 3600 <= clock_;
 }
 
-bool SkyView::seenHere() const {
-    const auto& circ = rig_.site().circ();
-    return circ && circ->maxMagnitude > 0;
-}
-
 QString SkyView::phaseText() const {
-    if (!seenHere())
+    const eclipse::LocalCircumstances* here = seenFrom(rig_.site());
+    if (!here)
         return QStringLiteral("No eclipse here");
     if (reached("C4"))
         return QStringLiteral("After last contact");
@@ -61,7 +63,7 @@ QString SkyView::phaseText() const {
         return scene_.moonRadius < 1 ? QStringLiteral("Ring") : QStringLiteral("Totality");
     if (!reached("C1"))
         return QStringLiteral("Before first contact");
-    const bool central = rig_.site().circ()->totalitySeconds > 0;
+    const bool central = here->totalitySeconds > 0;
     return !central && reached("MAX") ? QStringLiteral("Partial, the Moon moves out")
                                       : QStringLiteral("Partial, the Moon moves in");
 }
@@ -88,13 +90,13 @@ QString SkyView::numbersText() const {
 }
 
 QString SkyView::noteText() const {
-    if (!seenHere())
+    const eclipse::LocalCircumstances* here = seenFrom(rig_.site());
+    if (!here)
         return QStringLiteral("This eclipse is not seen from here. Choose another site or eclipse.");
     QStringList notes;
-    const eclipse::LocalCircumstances& circ = *rig_.site().circ();
     if (scene_.altitudeDeg < 0)
         notes += QStringLiteral("Sun below the horizon.");
-    if (circ.totalitySeconds <= 0) {
+    if (here->totalitySeconds <= 0) {
         const bool annular = rig_.site().eclipse().rec.type == "Annular";
         // by the same measure as the number at the clock
         const double maximum = rig_.site().contactTHours().at("MAX") * 3600;

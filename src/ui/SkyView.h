@@ -51,7 +51,6 @@ Q_SIGNALS:
 private:
     void refresh();
     bool reached(const char* contact) const;
-    bool seenHere() const;
 
     rig::RigModel& rig_;
     double clock_ = 0;

@@ -1,18 +1,14 @@
 #pragma once
 
-#include "ui/Theme.h"
+#include "ui/PaintedItem.h"
 #include "ui/TimelineView.h"
-
-#include <QPointer>
-#include <QQuickPaintedItem>
 
 namespace zenka::ui {
 
 /// The timeline's picture, and what pointer and keys do on it.
-class TimelineItem : public QQuickPaintedItem {
+class TimelineItem : public PaintedView<TimelineView> {
     Q_OBJECT
     Q_PROPERTY(zenka::ui::TimelineView* view READ view WRITE setView NOTIFY viewChanged)
-    Q_PROPERTY(zenka::ui::Theme* colors READ colors WRITE setColors NOTIFY colorsChanged)
     Q_PROPERTY(bool compact READ compact WRITE setCompact NOTIFY compactChanged)
     Q_PROPERTY(double roomyHeight READ roomyHeight NOTIFY roomyHeightChanged)
 
@@ -20,20 +16,12 @@ public:
     explicit TimelineItem(QQuickItem* parent = nullptr);
     static void registerTypes();
 
-    TimelineView* view() const { return view_; }
-    void setView(TimelineView* view);
-    Theme* colors() const { return colors_; }
-    void setColors(Theme* colors);
     bool compact() const { return compact_; }
     void setCompact(bool compact);
     /// The height at which every lane has room for its name.
     double roomyHeight() const;
 
-    void paint(QPainter* painter) override;
-
 Q_SIGNALS:
-    void viewChanged();
-    void colorsChanged();
     void compactChanged();
     void roomyHeightChanged();
     /// The chosen mark's lane, top and bottom in pixels.
@@ -49,6 +37,9 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void followView(TimelineView& view) override;
+    void paintView(QPainter& painter, TimelineView& view, const Theme& theme) override;
+
     TimelineLayout layout() const;
     void playheadMoved();
     void showSelection();
@@ -57,8 +48,6 @@ private:
 
     enum class Drag { none, pressed, scrubbing, panning };
 
-    QPointer<TimelineView> view_;
-    QPointer<Theme> colors_;
     bool compact_ = false;
     int playheadPixel_ = 0; // as painted
     Drag drag_ = Drag::none;

@@ -31,7 +31,7 @@ MapColors mapColors(const Theme& theme) {
 
 } // namespace
 
-WorldMapItem::WorldMapItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
+WorldMapItem::WorldMapItem(QQuickItem* parent) : PaintedView(parent) {
     setOpaquePainting(true);
     setAcceptedMouseButtons(Qt::LeftButton);
     setAcceptHoverEvents(true);
@@ -42,32 +42,12 @@ void WorldMapItem::registerTypes() {
     qmlRegisterType<WorldMapItem>("Zenka", 1, 0, "WorldMapItem");
 }
 
-void WorldMapItem::setView(LocationView* view) {
-    if (view_ == view)
-        return;
-    if (view_)
-        view_->disconnect(this);
-    view_ = view;
-    if (view_) {
-        connect(view_, &LocationView::draftChanged, this, [this] { update(); });
-        connect(view_, &LocationView::trackChanged, this, [this] { update(); });
-        connect(view_, &LocationView::pointWanted, this, &WorldMapItem::showPoint);
-        map_.centreOn(view_->draftPoint());
-    }
+void WorldMapItem::followView(LocationView& view) {
+    connect(&view, &LocationView::draftChanged, this, [this] { update(); });
+    connect(&view, &LocationView::trackChanged, this, [this] { update(); });
+    connect(&view, &LocationView::pointWanted, this, &WorldMapItem::showPoint);
+    map_.centreOn(view.draftPoint());
     moved();
-    Q_EMIT viewChanged();
-}
-
-void WorldMapItem::setColors(Theme* colors) {
-    if (colors_ == colors)
-        return;
-    if (colors_)
-        colors_->disconnect(this);
-    colors_ = colors;
-    if (colors_)
-        connect(colors_, &Theme::changed, this, [this] { update(); });
-    update();
-    Q_EMIT colorsChanged();
 }
 
 QPointF WorldMapItem::middle() const {
@@ -90,11 +70,11 @@ void WorldMapItem::showWorld() {
 }
 
 void WorldMapItem::showPoint() {
-    if (!view_)
+    if (!view())
         return;
     if (map_.degreesPerPixel() * height() > firstHeightDegrees)
         map_.showHeight(firstHeightDegrees);
-    map_.centreOn(view_->draftPoint());
+    map_.centreOn(view()->draftPoint());
     moved();
 }
 
@@ -106,25 +86,25 @@ void WorldMapItem::moved() {
 
 /// Tells of the place under the pointer or, without one, under the cross-hair.
 void WorldMapItem::probe() {
-    if (view_)
-        view_->probe(map_.place(pointer_.value_or(middle())), map_.decimals());
+    if (view())
+        view()->probe(map_.place(pointer_.value_or(middle())), map_.decimals());
 }
 
 void WorldMapItem::take(QPointF pixel) {
-    if (view_)
-        view_->takePoint(map_.place(pixel), map_.decimals());
+    if (view())
+        view()->takePoint(map_.place(pixel), map_.decimals());
 }
 
 void WorldMapItem::geometryChange(const QRectF& now, const QRectF& before) {
-    QQuickPaintedItem::geometryChange(now, before);
+    PaintedView::geometryChange(now, before);
     if (now.isEmpty() || now.size() == before.size())
         return;
     map_.resize(now.size());
     if (!placed_) {
         placed_ = true;
         map_.showHeight(firstHeightDegrees);
-        if (view_)
-            map_.centreOn(view_->draftPoint());
+        if (view())
+            map_.centreOn(view()->draftPoint());
     }
     update();
 }
@@ -174,8 +154,8 @@ void WorldMapItem::hoverLeaveEvent(QHoverEvent*) {
     pointer_.reset();
     if (hasActiveFocus())
         probe();
-    else if (view_)
-        view_->endProbe();
+    else if (view())
+        view()->endProbe();
     update();
 }
 
@@ -207,29 +187,25 @@ void WorldMapItem::keyPressEvent(QKeyEvent* event) {
 }
 
 void WorldMapItem::focusInEvent(QFocusEvent* event) {
-    QQuickPaintedItem::focusInEvent(event);
+    PaintedView::focusInEvent(event);
     moved();
 }
 
 void WorldMapItem::focusOutEvent(QFocusEvent* event) {
-    QQuickPaintedItem::focusOutEvent(event);
-    if (view_ && !pointer_)
-        view_->endProbe();
+    PaintedView::focusOutEvent(event);
+    if (view() && !pointer_)
+        view()->endProbe();
     update();
 }
 
-void WorldMapItem::paint(QPainter* painter) {
-    if (!view_ || !colors_)
-        return;
-    paintLand(*painter, map_, mapColors(*colors_));
-    QFont font(colors_->digits());
-    font.setPixelSize(colors_->small());
-    font.setStyleStrategy(QFont::NoSubpixelAntialias); // its fringes are no colours of the theme
+void WorldMapItem::paintView(QPainter& painter, LocationView& view, const Theme& theme) {
+    const MapColors colors = mapColors(theme);
+    paintLand(painter, map_, colors);
     MapMarks marks{
-        .track = view_->track(), .site = view_->siteInUse(), .draft = view_->draftPoint(), .crossHair = {}};
+        .track = view.track(), .site = view.siteInUse(), .draft = view.draftPoint(), .crossHair = {}};
     if (hasActiveFocus() && !pointer_)
         marks.crossHair = middle();
-    paintMarks(*painter, map_, mapColors(*colors_), marks, font);
+    paintMarks(painter, map_, colors, marks, smallDigits(theme));
 }
 
 } // namespace zenka::ui

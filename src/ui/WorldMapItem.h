@@ -2,10 +2,7 @@
 
 #include "ui/LocationView.h"
 #include "ui/MapProjection.h"
-#include "ui/Theme.h"
-
-#include <QPointer>
-#include <QQuickPaintedItem>
+#include "ui/PaintedItem.h"
 
 #include <optional>
 
@@ -14,19 +11,13 @@ namespace zenka::ui {
 /// The map of the Location sheet. The pointer drags, clicks and turns the wheel; by keyboard the cross-hair
 /// in the middle stands for it, and the map moves below. It is drawn anew for every step, which takes a few
 /// milliseconds.
-class WorldMapItem : public QQuickPaintedItem {
+class WorldMapItem : public PaintedView<LocationView> {
     Q_OBJECT
     Q_PROPERTY(zenka::ui::LocationView* view READ view WRITE setView NOTIFY viewChanged)
-    Q_PROPERTY(zenka::ui::Theme* colors READ colors WRITE setColors NOTIFY colorsChanged)
 
 public:
     explicit WorldMapItem(QQuickItem* parent = nullptr);
     static void registerTypes();
-
-    LocationView* view() const { return view_; }
-    void setView(LocationView* view);
-    Theme* colors() const { return colors_; }
-    void setColors(Theme* colors);
 
     Q_INVOKABLE void zoomIn();
     Q_INVOKABLE void zoomOut();
@@ -35,11 +26,6 @@ public:
     Q_INVOKABLE void showPoint();
 
     const MapProjection& projection() const { return map_; }
-    void paint(QPainter* painter) override;
-
-Q_SIGNALS:
-    void viewChanged();
-    void colorsChanged();
 
 protected:
     void geometryChange(const QRectF& now, const QRectF& before) override;
@@ -55,13 +41,14 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    void followView(LocationView& view) override;
+    void paintView(QPainter& painter, LocationView& view, const Theme& theme) override;
+
     QPointF middle() const;
     void moved();
     void probe();
     void take(QPointF pixel);
 
-    QPointer<LocationView> view_;
-    QPointer<Theme> colors_;
     MapProjection map_;
     bool placed_ = false; ///< the first size has been given
     std::optional<QPointF> pressed_;

@@ -15,7 +15,7 @@ class CamerasView : public testing::Test {
 protected:
     std::string at(int row, int role) { return view.data(view.index(row), role).toString().toStdString(); }
     bool is(int row, int role) { return view.data(view.index(row), role).toBool(); }
-    QString id(int row) { return view.data(view.index(row), Role::IdRole).toString(); }
+    QString id(int row) { return view.data(view.index(row), Role::idRole).toString(); }
 
     VirtualRig rig;
     ui::CamerasView view{rig.model, nullptr};
@@ -30,19 +30,19 @@ TEST_F(CamerasView, theScriptsCamerasWithoutABodyAreListedAndFilledInTurn) {
     EXPECT_TRUE(view.offer().isEmpty());
     rig.load(rig.frameAt(1, "CAM1") + rig.frameAt(2, "CAM2") + rig.frameAt(3, "CAM2"));
     EXPECT_EQ(view.summary(), "No bodies, 2 missing");
-    EXPECT_EQ(at(1, Role::DetailsRole), "missing · 2 frames in the script");
+    EXPECT_EQ(at(1, Role::detailsRole), "missing · 2 frames in the script");
     EXPECT_EQ(view.nextToken(), "CAM1");
     view.add(QStringLiteral("DC-GH6"));
     EXPECT_EQ(view.summary(), "1 body, 1 missing");
-    EXPECT_EQ(at(0, Role::LabelRole), "CAM1");
-    EXPECT_EQ(at(0, Role::ModelRole), "GH6");
-    EXPECT_EQ(at(0, Role::DetailsRole), "simulated · connected");
+    EXPECT_EQ(at(0, Role::labelRole), "CAM1");
+    EXPECT_EQ(at(0, Role::modelRole), "GH6");
+    EXPECT_EQ(at(0, Role::detailsRole), "simulated · connected");
     EXPECT_EQ(view.offer(), "Add a simulated body for CAM2");
     view.addForScript();
     EXPECT_EQ(view.summary(), "2 bodies");
     view.add(QStringLiteral("Z8"));
-    EXPECT_EQ(at(2, Role::LabelRole), "Z8") << "no camera is left to stand for";
-    EXPECT_FALSE(is(2, Role::UsedRole));
+    EXPECT_EQ(at(2, Role::labelRole), "Z8") << "no camera is left to stand for";
+    EXPECT_FALSE(is(2, Role::usedRole));
     view.remove(id(0));
     EXPECT_EQ(view.nextToken(), "CAM1");
 }
@@ -61,7 +61,7 @@ TEST_F(CamerasView, aLabelIsTakenOnlyIfItTellsTheBodyApart) {
     EXPECT_FALSE(view.setLabel(id(0), QStringLiteral("z9")));
     EXPECT_TRUE(view.labelFault(id(0), QStringLiteral("z9")).startsWith(QStringLiteral("Another body")));
     EXPECT_TRUE(view.setLabel(id(0), QStringLiteral(" Wide ")));
-    EXPECT_EQ(at(0, Role::LabelRole), "Wide");
+    EXPECT_EQ(at(0, Role::labelRole), "Wide");
     EXPECT_TRUE(view.setLabel(id(0), QStringLiteral("wide"))) << "its own in other letters";
 }
 
@@ -69,24 +69,24 @@ TEST_F(CamerasView, cardsFollowTheFrames) {
     rig.load(rig.frameAt(0) + rig.frameAt(1) + rig.frameAt(2, "CAM2"));
     const auto body = rig.addBody("CAM1");
     body->outcomes = {{.ok = true, .latencyMs = 212, .responded = true}, test::refusal()};
-    EXPECT_EQ(at(0, Role::StatusLineRole), "● CAM1  gphoto2 · connected");
+    EXPECT_EQ(at(0, Role::statusLineRole), "● CAM1  gphoto2 · connected");
     rig.playFrom(-1);
     rig.run(1.5);
-    EXPECT_EQ(at(0, Role::CountsRole), "● 1");
-    EXPECT_EQ(at(0, Role::DroppedRole), "");
-    EXPECT_EQ(at(0, Role::StateRole), "ready");
-    EXPECT_TRUE(at(0, Role::StatusLineRole).ends_with("ISO 200 f/8 1/500  ✓ 212ms"))
-        << at(0, Role::StatusLineRole);
-    EXPECT_TRUE(is(0, Role::RunRole));
+    EXPECT_EQ(at(0, Role::countsRole), "● 1");
+    EXPECT_EQ(at(0, Role::droppedRole), "");
+    EXPECT_EQ(at(0, Role::stateRole), "ready");
+    EXPECT_TRUE(at(0, Role::statusLineRole).ends_with("ISO 200 f/8 1/500  ✓ 212ms"))
+        << at(0, Role::statusLineRole);
+    EXPECT_TRUE(is(0, Role::runRole));
     rig.run(2);
-    EXPECT_EQ(at(0, Role::DroppedRole), "▲ 1 dropped");
-    EXPECT_EQ(at(0, Role::SymbolRole), "▲");
-    EXPECT_EQ(at(0, Role::WarningRole), "Dropped: dropped, camera busy");
-    EXPECT_TRUE(at(0, Role::StatusLineRole).starts_with("▲ CAM1  dropped: "));
-    EXPECT_EQ(at(1, Role::CountsRole), "□ 1 without a body");
+    EXPECT_EQ(at(0, Role::droppedRole), "▲ 1 dropped");
+    EXPECT_EQ(at(0, Role::symbolRole), "▲");
+    EXPECT_EQ(at(0, Role::warningRole), "Dropped: dropped, camera busy");
+    EXPECT_TRUE(at(0, Role::statusLineRole).starts_with("▲ CAM1  dropped: "));
+    EXPECT_EQ(at(1, Role::countsRole), "□ 1 without a body");
     body->disconnect();
     rig.run(3);
-    EXPECT_EQ(at(0, Role::StateRole), "gone");
+    EXPECT_EQ(at(0, Role::stateRole), "gone");
 }
 
 TEST_F(CamerasView, cardsThatStayAreNotMadeAnewSoThatALabelCanBeTyped) {
@@ -102,5 +102,5 @@ TEST_F(CamerasView, cardsThatStayAreNotMadeAnewSoThatALabelCanBeTyped) {
     EXPECT_EQ(resets.count(), 0);
     EXPECT_EQ(removed.count(), 2);
     EXPECT_EQ(view.rowCount(), 2);
-    EXPECT_EQ(at(1, Role::LabelRole), "CAM1");
+    EXPECT_EQ(at(1, Role::labelRole), "CAM1");
 }

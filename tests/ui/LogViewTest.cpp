@@ -12,7 +12,7 @@ namespace {
 class LogView : public testing::Test {
 protected:
     void push(const char* line) { rig.model.log().pushLog(line); }
-    std::string at(int row, int role = ui::LogView::LineRole) {
+    std::string at(int row, int role = ui::LogView::lineRole) {
         return view.data(view.index(row), role).toString().toStdString();
     }
 

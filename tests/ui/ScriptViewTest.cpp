@@ -155,10 +155,10 @@ TEST_F(ScriptView, diagnosticsStandOnTheirLinesAndRoundsOfALoopCountOnce) {
     const ui::DiagnosticsList& list = *view.diagnostics();
     ASSERT_EQ(list.count(), 3);
     const auto at = [&](int row, int role) { return list.data(list.index(row), role); };
-    EXPECT_EQ(at(0, ui::DiagnosticsList::LineRole), 3);
-    EXPECT_EQ(at(1, ui::DiagnosticsList::LineRole), 5);
-    EXPECT_TRUE(at(1, ui::DiagnosticsList::MessageRole).toString().endsWith(QStringLiteral(" (20 times)")));
-    EXPECT_EQ(at(2, ui::DiagnosticsList::LineRole), 7);
+    EXPECT_EQ(at(0, ui::DiagnosticsList::lineRole), 3);
+    EXPECT_EQ(at(1, ui::DiagnosticsList::lineRole), 5);
+    EXPECT_TRUE(at(1, ui::DiagnosticsList::messageRole).toString().endsWith(QStringLiteral(" (20 times)")));
+    EXPECT_EQ(at(2, ui::DiagnosticsList::lineRole), 7);
     EXPECT_EQ(list.severityOf(2), 1);
     EXPECT_EQ(list.severityOf(6), 2);
     EXPECT_EQ(list.severityOf(0), 0);

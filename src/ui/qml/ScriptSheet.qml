@@ -169,13 +169,10 @@ SheetFrame {
                 anchors { left: parent.left; top: parent.top; bottom: parent.bottom; margins: 2 }
                 width: digits.advanceWidth + 36
                 view: script
+                colors: theme
                 scrolled: scroller.contentY - area.topPadding
                 currentRow: area.row
                 font: area.font
-                quiet: theme.quiet
-                text: theme.text
-                warning: theme.warning
-                bad: theme.bad
                 TextMetrics {
                     id: digits
                     font: area.font
@@ -286,11 +283,7 @@ SheetFrame {
             Layout.preferredHeight: 64
             visible: !sheet.low
             view: script
-            font.pixelSize: theme.small
-            bar: theme.accent
-            text: theme.text
-            quiet: theme.quiet
-            line: theme.line
+            colors: theme
             Accessible.role: Accessible.Graphic
             Accessible.name: "Frames over the eclipse: " + script.summary
         }
