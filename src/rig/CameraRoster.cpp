@@ -38,6 +38,14 @@ void CameraRoster::removeCamera(const std::string& id) {
     changed_.emit();
 }
 
+void CameraRoster::bringBack(const Camera& camera) {
+    const auto planned = std::dynamic_pointer_cast<cameras::MockCamera>(camera);
+    if (!planned)
+        return;
+    planned->connect();
+    add(planned);
+}
+
 void CameraRoster::setLabel(const cameras::CameraControl& camera, const std::string& label) {
     labels_[camera.id()] = label;
     changed_.emit();

@@ -29,6 +29,8 @@ public:
     /// Adds a simulated body of a model.
     Camera addPlanningCamera(const std::string& model);
     void removeCamera(const std::string& id);
+    /// Takes a simulated body that was removed back in, under its label; a real one must be detected.
+    void bringBack(const Camera& camera);
 
     void setLabel(const cameras::CameraControl& camera, const std::string& label);
 

@@ -21,6 +21,10 @@ absl::CivilDay dayOf(base::Instant instant, const absl::TimeZone& zone) {
     return absl::CivilDay(base::civilTime(instant, zone));
 }
 
+bool inCatalogue(const std::string& id) {
+    return std::ranges::any_of(eclipse::Catalog::all(), [&](const auto& row) { return row.id == id; });
+}
+
 base::Instant referenceInstant(const eclipse::Eclipse& eclipse) {
     return eclipse.utc(0);
 }
@@ -79,9 +83,15 @@ void RunKeeper::clearRunState() {
 }
 
 void RunKeeper::checkForResumableRun() {
-    const auto state = store_.read();
+    const RunStateStore::Loaded loaded = store_.load();
+    const auto& state = loaded.state;
     const base::Instant now = ports_.clock.now();
-    if (state && !state->isComplete(now) && state->isResumable(now))
+    const bool strange = state && !inCatalogue(state->eclipseId);
+    if (loaded.damaged || strange)
+        log_.pushLog(
+            "⚠️ The record of the last run could not be read, so it cannot be picked up. Check site, "
+            "script and clock, then arm again.");
+    if (state && !strange && !state->isComplete(now) && state->isResumable(now))
         resumableRun_.set(state);
     else
         clearRunState();
@@ -169,7 +179,7 @@ void RunKeeper::eclipseDayLiveNudge() {
 }
 
 void RunKeeper::closeForExit() {
-    const auto state = store_.read();
+    const auto state = store_.load().state;
     if (state && state->armKind == RunState::ArmKind::simulation) {
         store_.clear();
         store_.drain();

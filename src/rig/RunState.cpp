@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
+
 namespace zenka::rig {
 
 namespace {
@@ -104,7 +106,8 @@ std::optional<RunState> runStateFromJson(std::string_view json) {
     const std::string kind = read.text("armKind");
     const auto cameras = object.find("cameras");
     if (!read.complete() || state.version != 1 || (kind != "real" && kind != "simulation") ||
-        cameras == object.end() || !cameras->is_array())
+        cameras == object.end() || !cameras->is_array() || !(std::abs(state.lat) <= 90) ||
+        !(std::abs(state.lon) <= 180))
         return std::nullopt;
     state.armKind = kind == "real" ? RunState::ArmKind::real : RunState::ArmKind::simulation;
     for (const Json& item : *cameras) {

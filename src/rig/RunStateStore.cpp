@@ -21,10 +21,12 @@ void RunStateStore::clear() {
     queue_->post([&disk = disk_, file = file_] { disk.remove(file); });
 }
 
-std::optional<RunState> RunStateStore::read() {
+RunStateStore::Loaded RunStateStore::load() {
     drain();
     const auto text = disk_.read(file_);
-    return text ? runStateFromJson(*text) : std::nullopt;
+    Loaded loaded{.state = text ? runStateFromJson(*text) : std::nullopt};
+    loaded.damaged = text && !loaded.state;
+    return loaded;
 }
 
 bool RunStateStore::drain() {

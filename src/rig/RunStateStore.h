@@ -17,9 +17,13 @@ public:
     void save(const RunState& state);
     void clear();
 
+    struct Loaded {
+        std::optional<RunState> state;
+        bool damaged = false; ///< there is a file that cannot be read as one
+    };
     /// Reads the file once all that was asked for before is done; for start-up and shut-down, when waiting
-    /// does no harm. Nothing for a file that is absent or unreadable.
-    std::optional<RunState> read();
+    /// does no harm.
+    Loaded load();
 
     /// Waits until all is on the disk.
     bool drain();

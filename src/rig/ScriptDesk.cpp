@@ -6,6 +6,7 @@
 #include <absl/strings/str_format.h>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace zenka::rig {
@@ -56,11 +57,17 @@ void ScriptDesk::restore() {
         showWelcome_.set(true);
 }
 
+void ScriptDesk::dismissWelcome() {
+    ports_.settings.setFlag(settingsKeys::welcomeSeen, true);
+    showWelcome_.set(false);
+}
+
 void ScriptDesk::setScriptText(std::string text) {
     scriptText_.set(std::move(text));
     publishOrigin();
     ports_.loop.cancel(debounce_);
-    debounce_ = ports_.loop.after(debounceSpan, lifeline_.guard([this] { compile(); }));
+    ++wantedCompile_;
+    debounce_ = ports_.loop.after(debounceSpan, lifeline_.guard([this] { compileAside(); }));
 }
 
 void ScriptDesk::load(std::string text, std::string name) {
@@ -72,6 +79,7 @@ void ScriptDesk::load(std::string text, std::string name) {
 
 void ScriptDesk::replace(std::string text, Origin origin) {
     ports_.loop.cancel(debounce_);
+    ++wantedCompile_;
     const std::string& before = scriptText_.get();
     if (edited_.get() && before != text && !base::trimmed(before).empty())
         ports_.settings.setText(settingsKeys::unsavedText, before);
@@ -112,11 +120,29 @@ void ScriptDesk::compareWithLastFile(const std::string& path) {
 
 void ScriptDesk::compile() {
     ports_.loop.cancel(debounce_);
-    script::CompiledScript result =
-        script::ZenkaScript::compile(scriptText_.get(), {.eclipse = site_.eclipse(),
-                                                         .observer = site_.observer(),
-                                                         .contactTHours = site_.contactTHours(),
-                                                         .tzId = site_.site().tzId});
+    ++wantedCompile_;
+    take(script::ZenkaScript::compile(scriptText_.get(), {.eclipse = site_.eclipse(),
+                                                          .observer = site_.observer(),
+                                                          .contactTHours = site_.contactTHours(),
+                                                          .tzId = site_.site().tzId}));
+}
+
+void ScriptDesk::compileAside() {
+    const auto arrive =
+        lifeline_.guard([this, number = ++wantedCompile_](std::shared_ptr<script::CompiledScript> result) {
+            if (number == wantedCompile_)
+                take(std::move(*result));
+        });
+    ports_.queues.background([arrive, &loop = ports_.loop, text = scriptText_.get(),
+                              eclipse = site_.sharedEclipse(), observer = site_.observer(),
+                              contacts = site_.contactTHours(), tzId = site_.site().tzId] {
+        const auto result = std::make_shared<script::CompiledScript>(script::ZenkaScript::compile(
+            text, {.eclipse = *eclipse, .observer = observer, .contactTHours = contacts, .tzId = tzId}));
+        loop.post([arrive, result] { arrive(result); });
+    });
+}
+
+void ScriptDesk::take(script::CompiledScript result) {
     captures_ = std::move(result.captures);
     audioCues_ = std::move(result.audioCues);
     diagnostics_ = std::move(result.diagnostics);

@@ -58,7 +58,11 @@ public:
     /// or the starter script.
     void restore();
 
-    /// Takes a text as the editor has it; it compiles once no more changes come for 400 ms.
+    /// The welcome was read: no later start shows it.
+    void dismissWelcome();
+
+    /// Takes a text as the editor has it; it compiles off the main thread once no more changes come for
+    /// 400 ms, so that typing goes on in the longest script.
     void setScriptText(std::string text);
 
     /// Takes a whole script at once; compile() follows up.
@@ -115,6 +119,9 @@ private:
         bool windowsLineEnds = false;
     };
 
+    void compileAside();
+    void take(script::CompiledScript result);
+
     /// False, and nothing changed, when the file cannot be read as UTF-8.
     bool loadNow(const std::string& path);
     void takeFile(const std::string& path, std::string text, bool windowsLineEnds);
@@ -141,6 +148,7 @@ private:
     std::vector<std::string> cameraTokens_;
     std::set<std::string> visibleCameras_;
     std::map<std::string, std::map<std::string, std::string>> scriptCameraSettings_;
+    std::size_t wantedCompile_ = 0; // only the result of the compile asked for last is taken
     ports::MainLoop::TimerId debounce_ = ports::MainLoop::TimerId::none;
     sigc::signal<void()> compiled_;
     base::Lifeline lifeline_;

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace zenka::rig {
@@ -20,6 +21,39 @@ constexpr char defaultEclipseId[] = "2026-08-12";
 
 bool inCatalogue(const std::string& id) {
     return std::ranges::any_of(eclipse::Catalog::all(), [&](const auto& row) { return row.id == id; });
+}
+
+struct RememberedSite {
+    Site site;
+    bool confirmed = false;
+};
+
+/// Nothing when anything of it is missing, of another type, or nowhere on Earth.
+std::optional<RememberedSite> rememberedSiteFromJson(std::string_view json) {
+    const auto record = nlohmann::json::parse(json, nullptr, false);
+    if (!record.is_object())
+        return std::nullopt;
+    const auto number = [&](const char* key) {
+        const auto found = record.find(key);
+        return found != record.end() && found->is_number() ? std::optional(found->get<double>())
+                                                           : std::nullopt;
+    };
+    const auto textOf = [&](const char* key) {
+        const auto found = record.find(key);
+        return found != record.end() && found->is_string() ? std::optional(found->get<std::string>())
+                                                           : std::nullopt;
+    };
+    const auto lat = number("lat");
+    const auto lon = number("lon");
+    const auto elev = number("elev");
+    const auto label = textOf("label");
+    const auto tz = textOf("tz");
+    if (!lat || !lon || !elev || !label || !tz || !(std::abs(*lat) <= 90) || !(std::abs(*lon) <= 180))
+        return std::nullopt;
+    const auto confirmed = record.find("confirmed");
+    return RememberedSite{.site = {.lat = *lat, .lon = *lon, .elev = *elev, .label = *label, .tzId = *tz},
+                          .confirmed =
+                              confirmed != record.end() && confirmed->is_boolean() && confirmed->get<bool>()};
 }
 
 std::string labelOr(const Site& site, const char* unnamed) {
@@ -62,6 +96,9 @@ void SiteDesk::restore() {
     const auto id = ports_.settings.text(settingsKeys::selectedEclipse);
     if (id && inCatalogue(*id))
         useEclipse(*id);
+    else if (id)
+        log_.pushLog("⚠️ The settings name an eclipse that is not in the catalogue: \"" + *id +
+                     "\". Choose one in the bar at the top.");
     locationConfirmed_.set(
         ports_.settings.flag(settingsKeys::locationConfirmedPrefix + eclipseId()).value_or(false));
     restoredSite_ = restoreSite();
@@ -174,29 +211,17 @@ bool SiteDesk::restoreSite() {
     const auto text = ports_.settings.text(settingsKeys::sitePrefix + eclipseId());
     if (!text)
         return false;
-    const auto record = nlohmann::json::parse(*text, nullptr, false);
-    if (!record.is_object())
+    const auto remembered = rememberedSiteFromJson(*text);
+    if (!remembered) {
+        log_.pushLog(
+            "⚠️ The site remembered for this eclipse could not be read. Set your site in Location.");
         return false;
-    const auto number = [&](const char* key) {
-        const auto found = record.find(key);
-        return found != record.end() && found->is_number() ? std::optional(found->get<double>())
-                                                           : std::nullopt;
-    };
-    const auto textOf = [&](const char* key) {
-        const auto found = record.find(key);
-        return found != record.end() && found->is_string() ? std::optional(found->get<std::string>())
-                                                           : std::nullopt;
-    };
-    const auto lat = number("lat");
-    const auto lon = number("lon");
-    const auto elev = number("elev");
-    const auto label = textOf("label");
-    const auto tz = textOf("tz");
-    if (!lat || !lon || !elev || !label || !tz)
-        return false;
-    site_.set({.lat = *lat, .lon = *lon, .elev = *elev, .label = *label, .tzId = *tz});
-    const auto confirmed = record.find("confirmed");
-    locationConfirmed_.set(confirmed != record.end() && confirmed->is_boolean() && confirmed->get<bool>());
+    }
+    site_.set(remembered->site);
+    locationConfirmed_.set(remembered->confirmed);
+    if (!base::findTimeZone(site_->tzId))
+        log_.pushLog("⚠️ The site's time zone \"" + site_->tzId +
+                     "\" is not known, so times of day are in UTC. Set it in Location.");
     return true;
 }
 

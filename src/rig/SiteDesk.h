@@ -36,6 +36,8 @@ public:
 
     const std::string& eclipseId() const { return eclipseId_.get(); }
     const eclipse::Eclipse& eclipse() const { return *eclipse_; }
+    /// The same for work off the main thread, which may outlast the selection.
+    std::shared_ptr<const eclipse::Eclipse> sharedEclipse() const { return eclipse_; }
     const Site& site() const { return site_.get(); }
     eclipse::Observer observer() const;
 

@@ -57,6 +57,8 @@ void AppView::openPage(const QString& name) {
 void AppView::setSheet(const QString& name) {
     if (!sheet_.isEmpty())
         Q_EMIT sheetClosing(sheet_);
+    if (sheet_ == QLatin1String("Welcome"))
+        rig_.script().dismissWelcome();
     sheet_ = name;
     rig_.renderPace().setSheetCoveringDashboard(coversDashboard(sheet_));
     Q_EMIT sheetChanged();

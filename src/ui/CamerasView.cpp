@@ -139,6 +139,7 @@ std::vector<CamerasView::Row> CamerasView::makeRows() const {
 }
 
 void CamerasView::refresh() {
+    std::erase_if(removed_, [this](const auto& camera) { return owns(rig_.roster().labelFor(*camera), {}); });
     std::vector<Row> rows = makeRows();
     const auto same = [](const Row& left, const Row& right) {
         return left.id == right.id && left.missing == right.missing;
@@ -261,7 +262,27 @@ bool CamerasView::setLabel(const QString& id, const QString& label) {
 }
 
 void CamerasView::remove(const QString& id) {
-    rig_.roster().removeCamera(id.toStdString());
+    const auto camera = find(id);
+    if (!camera)
+        return;
+    if (!camera->isReal())
+        removed_.push_back(camera);
+    rig_.roster().removeCamera(camera->id());
+    Q_EMIT removed();
+}
+
+QString CamerasView::undoText() const {
+    if (removed_.empty())
+        return {};
+    return qt(rig_.roster().labelFor(*removed_.back())) + QStringLiteral(" removed.");
+}
+
+void CamerasView::undoRemove() {
+    if (removed_.empty())
+        return;
+    const auto camera = removed_.back();
+    removed_.pop_back();
+    rig_.roster().bringBack(camera);
 }
 
 rig::CameraRoster::Camera CamerasView::find(const QString& id) const {

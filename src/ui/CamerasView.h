@@ -21,6 +21,7 @@ class CamerasView : public QAbstractListModel {
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
     Q_PROPERTY(QString offer READ offer NOTIFY changed)
     Q_PROPERTY(QString nextToken READ nextToken NOTIFY changed)
+    Q_PROPERTY(QString undoText READ undoText NOTIFY changed)
 
 public:
     enum Role {
@@ -60,6 +61,10 @@ public:
     Q_INVOKABLE bool setLabel(const QString& id, const QString& label);
     Q_INVOKABLE QString labelFault(const QString& id, const QString& label) const;
     Q_INVOKABLE void remove(const QString& id);
+    /// "CAM1 removed." for the simulated body that undoRemove() brings back, the last one first; empty for
+    /// none. A body whose label another one has taken meanwhile is not offered.
+    QString undoText() const;
+    Q_INVOKABLE void undoRemove();
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -67,6 +72,7 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void removed();
 
 private:
     struct Row {
@@ -91,6 +97,7 @@ private:
 
     rig::RigModel& rig_;
     std::vector<Row> rows_;
+    std::vector<rig::CameraRoster::Camera> removed_;
     std::map<std::string, QString> lastLines_; // what the log said of a label last, behind the label
 };
 

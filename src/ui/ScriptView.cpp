@@ -266,6 +266,19 @@ void ScriptView::saveAs(const QUrl& file) {
     savePath(pathOf(file));
 }
 
+QUrl ScriptView::fileIn(const QUrl& folder, const QString& name, const QString& suffix) const {
+    const QString typed = name.trimmed();
+    if (typed.isEmpty() || typed == QLatin1String(".") || typed == QLatin1String("..") ||
+        typed.contains(u'/'))
+        return {};
+    const QString whole = typed.contains(u'.') ? typed : typed + suffix;
+    return QUrl::fromLocalFile(QDir(folder.toLocalFile()).filePath(whole));
+}
+
+bool ScriptView::isThere(const QUrl& file) const {
+    return QFileInfo::exists(file.toLocalFile());
+}
+
 void ScriptView::savePath(const std::string& path) {
     const QString name = QString::fromStdString(rig::ScriptFiles::nameOf(path));
     tell(QStringLiteral("Writing \"%1\"…").arg(name), false);

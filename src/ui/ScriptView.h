@@ -84,6 +84,10 @@ public:
     /// False when the script has no file yet, so that one must be asked for.
     Q_INVOKABLE bool save();
     Q_INVOKABLE void saveAs(const QUrl& file);
+    /// A file of a folder by a typed name, which gets the suffix when it has none; empty for what can be no
+    /// name.
+    Q_INVOKABLE QUrl fileIn(const QUrl& folder, const QString& name, const QString& suffix) const;
+    Q_INVOKABLE bool isThere(const QUrl& file) const;
     Q_INVOKABLE void loadExample(const QString& file);
     Q_INVOKABLE void bringBackUnsaved();
     Q_INVOKABLE void setDefault(bool isDefault);

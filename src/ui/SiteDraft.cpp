@@ -202,7 +202,7 @@ bool SiteDraft::check() {
     readZone(true);
     if (site_.label.empty()) // what was emptied is looked up
         lookUpLabel();
-    if (site_.tzId.empty())
+    if (site_.tzId.empty() && at(Field::zone).fault.empty()) // else what was typed stays to be mended
         lookUpZone();
     for (const Typed& typed : fields_) {
         if (!typed.fault.empty())

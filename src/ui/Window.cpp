@@ -12,6 +12,7 @@
 #include "ui/EditTarget.h"
 #include "ui/LocationView.h"
 #include "ui/LogView.h"
+#include "ui/NightPointer.h"
 #include "ui/NightSwitch.h"
 #include "ui/ScriptView.h"
 #include "ui/SkyItem.h"
@@ -47,6 +48,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
         *commands_, rig, *app_, *theme_, *edit_, [this] { return quickWindow(); },
         QString::fromStdString(ports.folders.runLogs().string()));
     new NightSwitch(rig, *theme_, this);
+    new NightPointer(*theme_, this);
 
     SkyItem::registerTypes();
     TimelineItem::registerTypes();

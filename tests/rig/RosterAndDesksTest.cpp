@@ -77,6 +77,15 @@ TEST(SiteDesk, aDamagedRememberedSiteCostsNothingElse) {
     rig.model.bootstrap();
     EXPECT_EQ(rig.model.site().eclipseId(), "2027-08-02");
     EXPECT_EQ(rig.model.site().site().label, "Zaragoza, ES");
+    EXPECT_TRUE(rig.logged("⚠️ The site remembered for this eclipse could not be read."));
+
+    VirtualRig nowhere;
+    nowhere.machine.settings.setText(
+        std::string(rig::settingsKeys::sitePrefix) + "2026-08-12",
+        R"({"lat": 900, "lon": 1, "elev": 0, "label": "Nowhere", "tz": "UTC", "confirmed": true})");
+    nowhere.model.bootstrap();
+    EXPECT_EQ(nowhere.model.site().site().label, "Zaragoza, ES");
+    EXPECT_FALSE(nowhere.model.site().locationConfirmed().get());
 }
 
 TEST(ScriptDesk, startsWithTheBestScriptThereIs) {
@@ -122,6 +131,28 @@ TEST(ScriptDesk, compilesOnceTypingHasPausedAndKeepsTheText) {
     EXPECT_EQ(script.captures().size(), 2U);
     EXPECT_EQ(script.visibleCameras(), (std::set<std::string>{"CAM1", "CAM2"}));
     EXPECT_EQ(rig.machine.settings.text(rig::settingsKeys::scriptText), script.scriptText().get());
+}
+
+TEST(ScriptDesk, whatACompileMadeOfAnOlderTextIsNotTaken) {
+    VirtualRig rig;
+    auto& script = rig.model.script();
+    rig.load("");
+    int compiles = 0;
+    script.compiled().connect([&] { ++compiles; });
+    script.setScriptText(rig.frameAt(1));
+    rig.machine.loop.after(base::Seconds{0.4}, [&] { script.setScriptText("# other"); }); // as it begins
+    rig.run(0.5);
+    EXPECT_EQ(compiles, 0);
+    EXPECT_TRUE(script.captures().empty());
+    rig.run(0.5);
+    EXPECT_EQ(compiles, 1);
+
+    script.setScriptText(rig.frameAt(1));
+    rig.machine.loop.after(base::Seconds{0.4}, [&] { rig.model.site().selectEclipse("2027-08-02"); });
+    rig.run(0.5);
+    const auto fresh = rig.model.site().contactTHours().at("MAX") * 3600;
+    ASSERT_EQ(script.captures().size(), 1U);
+    EXPECT_LT(std::abs(script.captures()[0].offsetSec - fresh), 7200) << "for the eclipse that is selected";
 }
 
 TEST(Announcer, cuesAreToldInOrderAndAJumpPassesThemOver) {

@@ -151,13 +151,27 @@ TEST(RunKeeper, pauseAndTheEndOfALiveRunForgetIt) {
     EXPECT_FALSE(rig.files.contents.contains(stateFile(rig)));
 }
 
-TEST(RunKeeper, aDamagedStateFileIsNoRunAndIsRemoved) {
-    VirtualRig rig;
-    rig.files.contents[stateFile(rig)] = "{\"version\": 1, \"eclipseId\": ";
-    rig.model.bootstrap();
-    rig.run(0.1);
-    EXPECT_FALSE(rig.model.keeper().resumableRun().get());
-    EXPECT_FALSE(rig.files.contents.contains(stateFile(rig)));
+TEST(RunKeeper, aDamagedStateFileIsNoRunAndIsToldOfAndRemoved) {
+    VirtualRig live;
+    live.model.transport().armRealEclipseTiming(true);
+    live.run(1);
+    const std::string whole = live.files.contents.at(stateFile(live));
+    const auto changed = [&](const std::string& from, const std::string& to) {
+        std::string json = whole;
+        EXPECT_NE(json.find(from), json.npos) << from;
+        return json.replace(json.find(from), from.size(), to);
+    };
+    for (const std::string& json : {whole.substr(0, 60), changed("\"2026-08-12\"", "\"2026-08-99\""),
+                                    changed("\"lat\": 41.65", "\"lat\": 4165"), whole}) {
+        VirtualRig rig;
+        rig.files.contents[stateFile(rig)] = json;
+        rig.machine.time.setWall(live.machine.time.now());
+        rig.model.bootstrap();
+        rig.run(0.1);
+        EXPECT_EQ(rig.model.keeper().resumableRun().get().has_value(), json == whole);
+        EXPECT_EQ(rig.files.contents.contains(stateFile(rig)), json == whole);
+        EXPECT_EQ(rig.logged("⚠️ The record of the last run could not be read"), json != whole);
+    }
 }
 
 TEST(RunKeeper, theDayOfAnEclipseIsToldOnceADayAndItIsSelected) {

@@ -65,6 +65,33 @@ TEST_F(CamerasView, aLabelIsTakenOnlyIfItTellsTheBodyApart) {
     EXPECT_TRUE(view.setLabel(id(0), QStringLiteral("wide"))) << "its own in other letters";
 }
 
+TEST_F(CamerasView, removedBodiesComeBackLastFirstWithLabelAndCountUnlessTheLabelIsTaken) {
+    rig.load(rig.frameAt(0) + rig.frameAt(1, "CAM2"));
+    view.addForScript();
+    rig.playFrom(-1);
+    rig.run(2);
+    ASSERT_EQ(at(0, Role::countsRole), "● 1");
+    view.remove(id(0));
+    view.remove(id(0));
+    EXPECT_EQ(view.undoText(), "CAM2 removed.");
+    view.undoRemove();
+    EXPECT_EQ(view.undoText(), "CAM1 removed.");
+    view.undoRemove();
+    EXPECT_EQ(view.undoText(), "");
+    EXPECT_EQ(view.summary(), "2 bodies");
+    EXPECT_EQ(at(1, Role::labelRole), "CAM1");
+    EXPECT_EQ(at(1, Role::countsRole), "● 1");
+    EXPECT_EQ(at(1, Role::stateRole), "ready");
+
+    view.remove(id(1));
+    view.add(QStringLiteral("Z8")); // which stands for CAM1 now
+    EXPECT_EQ(view.undoText(), "") << "two bodies of one label would both fire";
+
+    rig.addBody("Real");
+    view.remove(id(2));
+    EXPECT_EQ(view.undoText(), "") << "a real one is detected again";
+}
+
 TEST_F(CamerasView, cardsFollowTheFrames) {
     rig.load(rig.frameAt(0) + rig.frameAt(1) + rig.frameAt(2, "CAM2"));
     const auto body = rig.addBody("CAM1");

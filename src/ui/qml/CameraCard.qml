@@ -3,8 +3,9 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 
 // A body at a glance. A missing one has an open border, one that the script does not use a dashed one.
-Item {
+FocusScope {
     id: card
+    required property int index
     required property string cameraId
     required property bool missing
     required property string label
@@ -20,6 +21,8 @@ Item {
     required property bool runActive
     property bool asking: false // whether to take the body away
     implicitHeight: column.implicitHeight + 16
+    // What has the keyboard is to be seen.
+    onActiveFocusChanged: if (activeFocus) ListView.view.positionViewAtIndex(index, ListView.Contain)
     Accessible.role: Accessible.ListItem
     Accessible.name: label + " " + bodyModel + ", " + details + ", " + counts + " " + dropped
 

@@ -20,6 +20,10 @@ Rectangle {
                 text: "+ add"
                 Accessible.name: "Add a simulated body"
                 onClicked: addMenu.popup(addButton, 0, addButton.height)
+                Connections {
+                    target: app
+                    function onSheetChanged() { addMenu.dismiss() }
+                }
                 Menu {
                     id: addMenu
                     width: 280
@@ -50,6 +54,26 @@ Rectangle {
                         onObjectRemoved: (index, object) => addMenu.removeMenu(object)
                     }
                 }
+            }
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
+            visible: cameras.undoText !== ""
+            ZLabel { text: cameras.undoText; Layout.fillWidth: true; Accessible.role: Accessible.AlertMessage; Accessible.name: text }
+            ZButton {
+                id: undoButton
+                text: "Undo"
+                Accessible.name: "Undo: " + cameras.undoText
+                onClicked: {
+                    cameras.undoRemove()
+                    addButton.forceActiveFocus()
+                }
+            }
+            // The button that had the keyboard went with its card.
+            Connections {
+                target: cameras
+                function onRemoved() { (undoButton.visible ? undoButton : addButton).forceActiveFocus() }
             }
         }
 

@@ -16,13 +16,8 @@ Popup {
     property url replacing // a file that is there already, which the user has been asked about
     signal accepted()
 
-    function wanted() {
-        const name = nameField.text.trim()
-        if (name === "" || name === "." || name === ".." || name.indexOf("/") >= 0)
-            return ""
-        const whole = saving && name.indexOf(".") < 0 ? name + suffix : name
-        return String(files.folder).replace(/\/$/, "") + "/" + encodeURIComponent(whole)
-    }
+    readonly property url wanted: script.fileIn(files.folder, nameField.text, saving ? suffix : "")
+    readonly property bool asking: String(replacing) !== "" && String(replacing) === String(wanted)
     function choose(index) {
         if (files.isFolder(index)) {
             files.folder = files.get(index, "fileUrl")
@@ -37,14 +32,13 @@ Popup {
             files.folder = files.parentFolder
     }
     function take() {
-        const file = wanted()
-        if (file === "")
+        if (String(wanted) === "")
             return
-        if (saving && files.indexOf(file) >= 0 && String(replacing) !== file) {
-            replacing = file
+        if (saving && script.isThere(wanted) && !asking) {
+            replacing = wanted
             return
         }
-        selectedFile = file
+        selectedFile = wanted
         close()
         accepted()
     }
@@ -54,6 +48,7 @@ Popup {
     width: Math.min(640, parent ? parent.width - 32 : 640)
     height: Math.min(520, parent ? parent.height - 32 : 520)
     modal: true
+    closePolicy: Popup.CloseOnEscape // a stray click beside it would lose what was typed
     focus: true
     padding: 16
     enter: null
@@ -62,6 +57,7 @@ Popup {
     Controls.Overlay.modal: Rectangle { color: Qt.rgba(theme.page.r, theme.page.g, theme.page.b, 0.6) }
     onAboutToShow: {
         files.folder = currentFolder
+        list.currentIndex = 0
         nameField.text = ""
         replacing = ""
         if (saving) nameField.forceActiveFocus(); else list.forceActiveFocus()
@@ -97,6 +93,7 @@ Popup {
             activeFocusOnTab: true
             boundsBehavior: Flickable.StopAtBounds
             model: files
+            onCountChanged: if (currentIndex < 0) currentIndex = 0
             ScrollBar.vertical: ZScrollBar {}
             Accessible.role: Accessible.List
             Accessible.name: "Files"
@@ -148,16 +145,16 @@ Popup {
                 onAccepted: picker.take()
             }
             ZButton {
-                text: String(picker.replacing) !== "" && String(picker.replacing) === picker.wanted() ? "Replace" : picker.saving ? "Save" : "Open"
+                text: picker.asking ? "Replace" : picker.saving ? "Save" : "Open"
                 strong: true
-                enabled: picker.wanted() !== ""
+                enabled: String(picker.wanted) !== ""
                 onClicked: picker.take()
             }
             ZButton { text: "Cancel"; onClicked: picker.close() }
         }
         ZLabel {
             Layout.fillWidth: true
-            visible: String(picker.replacing) !== "" && String(picker.replacing) === picker.wanted()
+            visible: picker.asking
             text: "There is a file of this name. Press Replace to write over it, or change the name."
             color: theme.warning
         }

@@ -3,6 +3,7 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 
 SheetFrame {
+    id: sheet
     title: "Keys"
     grow: true
     ZLabel {
@@ -13,13 +14,18 @@ SheetFrame {
         font.bold: true
     }
     ListView {
-        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; top: here.visible ? here.bottom : parent.top; topMargin: here.visible ? 10 : 0 }
+        id: list
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; top: here.visible ? here.bottom : parent.top; margins: 4; topMargin: here.visible ? 10 : 4 }
         model: commands
         clip: true
         focus: true
-        ScrollBar.vertical: ScrollBar {}
-        Keys.onDownPressed: flick(0, -600)
-        Keys.onUpPressed: flick(0, 600)
+        activeFocusOnTab: true
+        keyNavigationEnabled: false
+        currentIndex: -1
+        ScrollBar.vertical: ZScrollBar {}
+        Accessible.role: Accessible.List
+        Accessible.name: "Keys"
+        Keys.onPressed: (event) => sheet.scrollByKey(list, event)
         delegate: RowLayout {
             required property string text
             required property string shortcut
@@ -30,5 +36,11 @@ SheetFrame {
             Text { text: parent.shortcut; color: theme.accent; font.family: theme.digits; font.pixelSize: theme.normal; Layout.preferredWidth: 180 }
             Text { text: (parent.menu ? parent.menu + " › " : "") + parent.text; color: theme.text; font.pixelSize: theme.normal; Layout.fillWidth: true; elide: Text.ElideRight }
         }
+    }
+    Rectangle {
+        anchors.fill: parent
+        color: "transparent"
+        border.width: list.activeFocus ? 2 : 1
+        border.color: list.activeFocus ? theme.accent : theme.line
     }
 }

@@ -47,8 +47,9 @@ Rectangle {
             Layout.fillWidth: true
             Layout.fillHeight: true
             clip: true
-            activeFocusOnTab: true
+            activeFocusOnTab: count > 0 // an empty list could not show the focus
             boundsBehavior: Flickable.StopAtBounds
+            cacheBuffer: 0 // rows made ahead of need trip over a filter that leaves fewer
             model: log
             readonly property int rowHeight: theme.normal + 8
             ScrollBar.vertical: ZScrollBar {}

@@ -33,11 +33,9 @@ ApplicationWindow {
             height: clock.live ? 10 : 4
             color: clock.live ? theme.bad : theme.quiet
         }
-        TopBar { width: window.width }
+        // A sheet has the keyboard to itself: Escape must close it wherever Tab has led.
+        TopBar { width: window.width; enabled: app.sheet === "" }
     }
-
-    // Night lets no pointer of the desktop's colours through.
-    HoverHandler { cursorShape: theme.night ? Qt.BlankCursor : Qt.ArrowCursor; enabled: theme.night }
 
     FocusScope {
         id: dashboard
@@ -105,6 +103,7 @@ ApplicationWindow {
 
     Loader {
         id: sheetLoader
+        objectName: "sheetLoader"
         anchors.fill: parent
         focus: app.sheet !== ""
         active: app.sheet !== ""

@@ -8,14 +8,14 @@ ZButton {
     text: "☰ Menu"
     Accessible.name: "Menu"
     onClicked: menu.open()
+    Connections {
+        target: app
+        function onSheetChanged() { menu.dismiss() } // a key may open a sheet below it
+    }
 
     Menu {
         id: menu
         y: opener.height
-        Repeater {
-            model: commands.menus
-            delegate: Item {}
-        }
         background: Rectangle { implicitWidth: 280; color: theme.panel; border.color: theme.line }
         Instantiator {
             model: commands.menus
@@ -25,15 +25,15 @@ ZButton {
                 title: modelData
                 background: Rectangle { implicitWidth: 320; color: theme.panel; border.color: theme.line }
                 delegate: MenuLine {}
-                property var rows: commands.inMenu(modelData)
-                onAboutToShow: rows = commands.inMenu(modelData)
+                property int shown: 0 // what is enabled is asked for anew each time
+                onAboutToShow: shown += 1
                 Instantiator {
-                    model: sub.rows
+                    model: commands.inMenu(sub.modelData)
                     delegate: MenuLine {
                         required property var modelData
                         text: modelData.text
                         hint: modelData.shortcut
-                        enabled: modelData.enabled
+                        enabled: sub.shown >= 0 && commands.isEnabled(modelData.id)
                         onTriggered: commands.trigger(modelData.id)
                     }
                     onObjectAdded: (index, object) => sub.insertItem(index, object)

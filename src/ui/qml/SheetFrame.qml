@@ -12,6 +12,20 @@ FocusScope {
     property real wantedHeight: body.childrenRect.height
     default property alias content: body.data
 
+    // Reads on in a text or list that has the keyboard.
+    function scrollByKey(flickable, event) {
+        const steps = {[Qt.Key_Down]: 48, [Qt.Key_Up]: -48,
+                       [Qt.Key_PageDown]: flickable.height * 0.9, [Qt.Key_PageUp]: -flickable.height * 0.9,
+                       [Qt.Key_Home]: -flickable.contentHeight, [Qt.Key_End]: flickable.contentHeight}
+        const step = steps[event.key]
+        event.accepted = step !== undefined
+        if (!event.accepted)
+            return
+        const first = flickable.originY
+        const last = Math.max(first, first + flickable.contentHeight - flickable.height)
+        flickable.contentY = Math.max(first, Math.min(last, flickable.contentY + step))
+    }
+
     anchors.fill: parent
     focus: true
     Keys.onEscapePressed: app.closeSheet()

@@ -30,6 +30,13 @@ ListView {
         Accessible.role: Accessible.ListItem
         Accessible.name: statusLine + (warning !== "" ? ". " + warning : "")
     }
+    Rectangle {
+        anchors.fill: parent
+        color: "transparent"
+        border.width: 2
+        border.color: theme.accent
+        visible: strip.activeFocus
+    }
     ZLabel {
         anchors { left: parent.left; leftMargin: 8; verticalCenter: parent.verticalCenter }
         visible: strip.count === 0
