@@ -6,7 +6,7 @@ namespace zenka::rig {
 
 RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion)
     : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
-      script_(ports_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
+      script_(ports_, log_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
       sleepGuard_(ports_.keepAwake, log_), transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
       keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion),
       outcomes_(ports_, log_, site_, roster_, logbook_, transport_),

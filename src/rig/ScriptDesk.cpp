@@ -24,8 +24,8 @@ constexpr char starterScript[] =
 
 } // namespace
 
-ScriptDesk::ScriptDesk(const ports::Ports& ports, SiteDesk& site)
-    : ports_(ports), site_(site), files_(ports) {
+ScriptDesk::ScriptDesk(const ports::Ports& ports, RigLog& log, SiteDesk& site)
+    : ports_(ports), log_(log), site_(site), files_(ports) {
 }
 
 void ScriptDesk::restore() {
@@ -37,7 +37,11 @@ void ScriptDesk::restore() {
     const bool mayBeLost = saved && !base::trimmed(*saved).empty();
     const std::string savedFile = ports_.settings.text(settingsKeys::scriptFile).value_or("");
 
-    if (defaultPath && loadNow(*defaultPath)) {
+    const bool defaultLoaded = defaultPath && loadNow(*defaultPath);
+    if (defaultPath && !defaultLoaded)
+        log_.pushLog("⚠️ The script for each start could not be read: " + *defaultPath +
+                     ". The text from before is used instead. Choose another one in Script.");
+    if (defaultLoaded) {
         if (mayBeLost && *saved != scriptText_.get() && files_.readNow(savedFile).text != saved)
             ports_.settings.setText(settingsKeys::unsavedText, *saved);
     } else if (mayBeLost) {

@@ -3,6 +3,7 @@
 #include "base/Lifeline.h"
 #include "base/Published.h"
 #include "ports/Ports.h"
+#include "rig/RigLog.h"
 #include "rig/ScriptFiles.h"
 #include "rig/SiteDesk.h"
 #include "script/ZenkaScript.h"
@@ -29,7 +30,7 @@ public:
     /// Hears a sentence for the user: empty when all went well.
     using Done = std::function<void(const std::string& fault)>;
 
-    ScriptDesk(const ports::Ports& ports, SiteDesk& site);
+    ScriptDesk(const ports::Ports& ports, RigLog& log, SiteDesk& site);
 
     const base::Published<std::string>& scriptText() const { return scriptText_; }
     const base::Published<std::string>& currentScriptName() const { return currentScriptName_; }
@@ -130,6 +131,7 @@ private:
     void publishOrigin();
 
     const ports::Ports& ports_;
+    RigLog& log_;
     SiteDesk& site_;
     ScriptFiles files_;
     std::vector<Origin> origins_{Origin{}}; // of all scripts taken, since an undo may bring each back

@@ -20,6 +20,9 @@ bool coversDashboard(const QString& sheet) {
     return sheet == QLatin1String("Script") || sheet == QLatin1String("Settings");
 }
 
+/// Bytes of a script that are laid out without holding up a frame by more than some tenths of a second.
+constexpr std::size_t longestScriptInRun = 1 << 20;
+
 /// Sheets that are only read.
 bool isPage(const QString& sheet) {
     return sheet == QLatin1String("Guide") || sheet == QLatin1String("Keys");
@@ -40,6 +43,12 @@ AppView::AppView(rig::RigModel& rig, QString version, QObject* parent)
 void AppView::openSheet(const QString& name) {
     if (sheet_ == name)
         return;
+    if (name == QLatin1String("Script") && rig_.transport().runActive() &&
+        rig_.script().scriptText()->size() > longestScriptInRun) {
+        rig_.log().pushLog("This script is too long to be shown in a run: laying it out would hold up the "
+                           "frames. Pause the run, then open it.");
+        return;
+    }
     sheetBelow_.clear();
     setSheet(name);
 }

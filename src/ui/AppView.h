@@ -66,6 +66,7 @@ Q_SIGNALS:
     void promptChanged();
     /// The sheet is about to close; what was typed in it should be kept.
     void sheetClosing(const QString& name);
+    void menuWanted();
     /// For the script sheet: a command ("newScript", "open", "save"), and a line of the script to go to.
     void scriptCommand(const QString& what);
     void scriptLineWanted(int lineNo);

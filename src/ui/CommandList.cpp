@@ -134,6 +134,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
     });
 
     Menu(commands, "Window")
+        .add("openMenu", "Menu", "F10", [&app] { Q_EMIT app.menuWanted(); })
         .add("cycleTheme", "Next Theme", "Ctrl+Shift+T", [&theme] { theme.cycle(); })
         .add("textLarger", "Larger Text", "Ctrl++", [&theme] { theme.setTextScale(theme.textScale() + 0.1); })
         .add("textSmaller", "Smaller Text", "Ctrl+-",

@@ -17,6 +17,7 @@ TEST(WindowFaults, aDamagedHomeCostsASentenceEachAndTheWindowWorks) {
     settings.setText(keys::selectedEclipse, "1999-99-99");
     settings.setText(keys::recentScripts, "[1, {");
     settings.setText(keys::simClock, "2026-08-12|soon");
+    settings.setText(keys::defaultScriptPath, "/gone/default.zenka");
     settings.setText(keys::scriptText, "# mine, still here\n");
     settings.setText("zenka.theme", "Pink");
     settings.setNumber("zenka.textScale", 1e9);
@@ -26,8 +27,8 @@ TEST(WindowFaults, aDamagedHomeCostsASentenceEachAndTheWindowWorks) {
     rig.run(1);
     for (const char* part :
          {"The saved sites could not be read", "The record of the last run could not be read",
-          "The site remembered for this eclipse could not be read",
-          "an eclipse that is not in the catalogue"}) {
+          "The site remembered for this eclipse could not be read", "an eclipse that is not in the catalogue",
+          "The script for each start could not be read: /gone/default.zenka"}) {
         EXPECT_EQ(rig.countLines(part), 1) << part;
         window.click(window.named("logFilter"));
         window.key(Qt::Key_A, Qt::ControlModifier);

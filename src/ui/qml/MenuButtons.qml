@@ -10,6 +10,7 @@ ZButton {
     onClicked: menu.open()
     Connections {
         target: app
+        function onMenuWanted() { if (opener.enabled) { opener.forceActiveFocus(Qt.ShortcutFocusReason); menu.open() } }
         function onSheetChanged() { menu.dismiss() } // a key may open a sheet below it
     }
 
