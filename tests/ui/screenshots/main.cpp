@@ -73,6 +73,8 @@ int main(int argc, char** argv) {
     rig.run(590); // ten seconds before totality
 
     Album album(window, argv[1]);
+    album.shoot("prompt");
+    window.app().declinePrompt(); // it is eclipse day
     for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
         window.quickWindow()->resize(size);
         for (const char* theme : {"Sunlight", "Dark", "Night"}) {
@@ -81,6 +83,7 @@ int main(int argc, char** argv) {
             album.shoot("dashboard" + suffix);
             for (const QString& sheet : window.sheets()) {
                 window.app().openSheet(sheet);
+                rig.run(0.001); // what is computed aside arrives
                 album.shoot(sheet.toStdString() + suffix);
                 window.app().closeSheet();
             }
