@@ -4,6 +4,7 @@
 #include "cameras/MockCamera.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace zenka::rig {
@@ -46,13 +47,50 @@ void CameraRoster::bringBack(const Camera& camera) {
     add(planned);
 }
 
+void CameraRoster::setRealCameras(const std::vector<Camera>& cameras) {
+    std::erase_if(cameras_, [](const Camera& camera) { return camera->isReal(); });
+    cameras_.insert(cameras_.begin(), cameras.begin(), cameras.end());
+    disconnected_.clear();
+    changed_.emit();
+}
+
+void CameraRoster::replace(const std::string& id, Camera camera) {
+    const auto found = std::ranges::find(cameras_, id, [](const Camera& other) { return other->id(); });
+    if (found == cameras_.end())
+        return;
+    const std::string label = labelFor(**found);
+    const bool named = labels_.contains(keyOf(**found));
+    *found = std::move(camera);
+    if (named)
+        labels_[keyOf(**found)] = label;
+    disconnected_.erase(id);
+    changed_.emit();
+}
+
+void CameraRoster::setDisconnected(const std::string& id, bool gone) {
+    if (gone ? disconnected_.insert(id).second : disconnected_.erase(id) > 0)
+        changed_.emit();
+}
+
+std::string CameraRoster::keyOf(const cameras::CameraControl& camera) const {
+    const std::string& serial = camera.serial();
+    const bool alone =
+        std::ranges::count(cameras_, serial, [](const Camera& other) { return other->serial(); }) <= 1;
+    return serial.empty() || !alone ? "id:" + camera.id() : "serial:" + serial;
+}
+
 void CameraRoster::setLabel(const cameras::CameraControl& camera, const std::string& label) {
-    labels_[camera.id()] = label;
+    labels_[keyOf(camera)] = label;
+    changed_.emit();
+}
+
+void CameraRoster::setLabelOfSerial(const std::string& serial, const std::string& label) {
+    labels_["serial:" + serial] = label;
     changed_.emit();
 }
 
 std::string CameraRoster::labelFor(const cameras::CameraControl& camera) const {
-    if (const auto label = labels_.find(camera.id()); label != labels_.end())
+    if (const auto label = labels_.find(keyOf(camera)); label != labels_.end())
         return label->second;
     return bareModel(camera.model());
 }
@@ -82,6 +120,50 @@ std::vector<CameraRoster::Camera> CameraRoster::camerasFor(std::string_view toke
     std::ranges::copy_if(cameras_, std::back_inserter(matching),
                          [&](const Camera& camera) { return cameraMatches(*camera, token); });
     return matching;
+}
+
+std::vector<CameraRoster::RosterEntry>
+CameraRoster::cameraRoster(const std::vector<std::string>& scriptTokens) const {
+    std::vector<RosterEntry> entries;
+    for (const Camera& camera : cameras_) {
+        if (!camera->connected() || isDisconnected(camera->id()))
+            continue;
+        const auto token = std::ranges::find_if(
+            scriptTokens, [&](const std::string& name) { return cameraMatches(*camera, name); });
+        const std::string label = labelFor(*camera);
+        entries.push_back({.id = camera->id(),
+                           .token = token == scriptTokens.end() ? label : *token,
+                           .connected = true,
+                           .label = label,
+                           .model = camera->model()});
+    }
+    const auto missing = missingCameras(scriptTokens);
+    entries.insert(entries.end(), missing.begin(), missing.end());
+    return entries;
+}
+
+std::vector<CameraRoster::RosterEntry>
+CameraRoster::missingCameras(const std::vector<std::string>& scriptTokens) const {
+    std::vector<RosterEntry> entries;
+    for (const std::string& token : scriptTokens) {
+        const bool answered = std::ranges::any_of(cameras_, [&](const Camera& camera) {
+            return camera->connected() && !isDisconnected(camera->id()) && cameraMatches(*camera, token);
+        });
+        if (!answered)
+            entries.push_back({.token = token, .label = token});
+    }
+    return entries;
+}
+
+std::vector<CameraRoster::Camera>
+CameraRoster::unusedConnectedCameras(const std::vector<std::string>& scriptTokens) const {
+    std::vector<Camera> unused;
+    std::ranges::copy_if(cameras_, std::back_inserter(unused), [&](const Camera& camera) {
+        return camera->connected() && std::ranges::none_of(scriptTokens, [&](const std::string& token) {
+                   return cameraMatches(*camera, token);
+               });
+    });
+    return unused;
 }
 
 } // namespace zenka::rig

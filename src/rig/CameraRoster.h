@@ -29,10 +29,18 @@ public:
     /// Adds a simulated body of a model.
     Camera addPlanningCamera(const std::string& model);
     void removeCamera(const std::string& id);
+    /// Real bodies take the place of those of an earlier detection; planning bodies stay.
+    void setRealCameras(const std::vector<Camera>& cameras);
+    /// Another driver for a body, at the same place.
+    void replace(const std::string& id, Camera camera);
     /// Takes a simulated body that was removed back in, under its label; a real one must be detected.
     void bringBack(const Camera& camera);
 
+    /// A label follows the body by its serial number, or belongs to the driver where there is none or two
+    /// bodies have the same.
     void setLabel(const cameras::CameraControl& camera, const std::string& label);
+    void setLabelOfSerial(const std::string& serial, const std::string& label);
+    void setCameraMode(CameraMode mode) { cameraMode_.set(mode); }
 
     /// A model without its maker's prefixes.
     static std::string bareModel(const std::string& model);
@@ -47,8 +55,24 @@ public:
     /// The bodies that answer to a token, in roster order.
     std::vector<Camera> camerasFor(std::string_view token) const;
 
-    /// Bodies that are known to be gone at this moment.
+    /// Bodies that are known to be gone at this moment. They are not addressed.
     bool isDisconnected(const std::string& id) const { return disconnected_.contains(id); }
+    void setDisconnected(const std::string& id, bool gone);
+
+    /// A body, or a name of the script that no body answers to.
+    struct RosterEntry {
+        std::string id; ///< empty for a name without a body
+        std::string token;
+        bool connected = false;
+        std::string label;
+        std::string model;
+
+        friend bool operator==(const RosterEntry&, const RosterEntry&) = default;
+    };
+    /// Connected bodies first, then the names of the script without one.
+    std::vector<RosterEntry> cameraRoster(const std::vector<std::string>& scriptTokens) const;
+    std::vector<RosterEntry> missingCameras(const std::vector<std::string>& scriptTokens) const;
+    std::vector<Camera> unusedConnectedCameras(const std::vector<std::string>& scriptTokens) const;
 
     /// A body came, went or changed its name.
     sigc::signal<void()>& changed() { return changed_; }
@@ -56,7 +80,9 @@ public:
 private:
     std::vector<Camera> cameras_;
     base::Published<CameraMode> cameraMode_{CameraMode::simulated};
-    std::map<std::string, std::string> labels_; // by camera id
+    std::string keyOf(const cameras::CameraControl& camera) const;
+
+    std::map<std::string, std::string> labels_; // by keyOf()
     std::set<std::string> disconnected_;        // camera ids
     int planned_ = 0;
     sigc::signal<void()> changed_;

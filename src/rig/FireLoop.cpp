@@ -112,13 +112,18 @@ void FireLoop::fireCapture(const script::Capture& capture, double dueClock) {
 void FireLoop::fireOne(const CameraRoster::Camera& camera, const CompensatedCapture& comp, double dueClock,
                        const std::shared_ptr<RunLog>& runLog) {
     const script::Capture& capture = comp.capture;
-    if (capture.forceFullExposure)
-        camera->forceFullExposureNextFrame();
     const FireOutcomes::Shot shot{.camera = camera,
                                   .comp = comp,
                                   .firedWall = ports_.clock.now(),
                                   .runLog = runLog,
                                   .resultsEra = outcomes_.resultsEra()};
+    // A body that is down is not troubled: it may be on its way back.
+    if (!camera->connected() || roster_.isDisconnected(camera->id())) {
+        outcomes_.completed(shot, {.ok = false, .note = "dropped, camera disconnected", .responded = true});
+        return;
+    }
+    if (capture.forceFullExposure)
+        camera->forceFullExposureNextFrame();
     logbook_.lateness().note((transport_.clockNow() - dueClock) * 1000);
     camera->capture({.iso = capture.iso,
                      .aperture = capture.aperture,

@@ -201,6 +201,26 @@ void FireOutcomes::clearResults() {
     resultsCleared_.emit();
 }
 
+void FireOutcomes::carry(const std::string& fromId, const std::string& toId) {
+    for (const std::string& id : {fromId, toId}) {
+        consecutiveFails_.erase(id);
+        lastFireSuccess_.erase(id);
+    }
+    const auto move = [&](auto& byId) {
+        if (auto node = byId.extract(fromId); !node.empty()) {
+            node.key() = toId;
+            byId.insert(std::move(node));
+        }
+    };
+    if (fromId != toId) {
+        move(shotCounts_);
+        move(drops_);
+        move(droppedSeqs_);
+        move(lastFire_);
+    }
+    changed_.emit();
+}
+
 void FireOutcomes::setLastFire(const std::string& cameraId, std::string text) {
     lastFire_[cameraId] = std::move(text);
     changed_.emit();

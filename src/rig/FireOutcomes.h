@@ -63,6 +63,9 @@ public:
     int resultsEra() const { return resultsEra_; }
     /// Short text of the last result, by camera id.
     const std::map<std::string, std::string>& lastFire() const { return lastFire_; }
+    /// A body has got another driver, or has proved that it never left: its counts go over to the new id,
+    /// its silence is forgotten.
+    void carry(const std::string& fromId, const std::string& toId);
     void setLastFire(const std::string& cameraId, std::string text);
     const base::Published<std::optional<std::string>>& shutterMismatchWarning() const {
         return shutterMismatchWarning_;

@@ -4,15 +4,19 @@
 
 namespace zenka::rig {
 
-RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion)
+RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion, RealCameras real)
     : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
       script_(ports_, log_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
       sleepGuard_(ports_.keepAwake, log_), transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
       keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion),
       outcomes_(ports_, log_, site_, roster_, logbook_, transport_),
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
-      manualFire_(ports_, outcomes_), announcer_(log_, script_),
-      renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
+      manualFire_(ports_, outcomes_), modes_(log_, roster_),
+      suppressor_(
+          ports_.queues, real.endServices ? real.endServices : [] {}),
+      detector_(ports_, log_, roster_, transport_, suppressor_, real.families),
+      reconnect_(ports_, log_, roster_, logbook_, transport_, suppressor_, real.families),
+      announcer_(log_, script_), renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
       fireClock_(
           ports_, log_, transport_, [this](double dt) { advance(dt); }, [this] { return nextDue(); }) {
     site_.recomputed().connect([this] {
@@ -42,6 +46,26 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion)
     transport_.runTicked().connect([this] { keeper_.heartbeatRunState(); });
     transport_.runOver().connect([this] { keeper_.clearRunState(); });
     transport_.shown().connect([this] { renderPace_.requestRender(true); });
+    connectCameras();
+}
+
+void RigModel::connectCameras() {
+    using Camera = CameraRoster::Camera;
+    outcomes_.flagDisconnect().connect([this](const Camera& camera) { reconnect_.flagDisconnect(camera); });
+    outcomes_.requestReconnect().connect(
+        [this](const Camera& camera) { reconnect_.requestReconnect(camera); });
+    const auto carry = [this](const std::string& from, const std::string& to) {
+        outcomes_.carry(from, to);
+        modes_.carry(from, to);
+    };
+    reconnect_.reconnected().connect(carry);
+    detector_.carried().connect(carry);
+    detector_.passBegan().connect([this] { reconnect_.clearDisconnectState(); });
+    detector_.published().connect([this] { modes_.recheckModes(); });
+    keeper_.rebindCameras().connect([this] {
+        detector_.useRealCameras();
+        detector_.detectCameras();
+    });
 }
 
 void RigModel::bootstrap() {

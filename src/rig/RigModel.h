@@ -2,12 +2,16 @@
 
 #include "ports/Ports.h"
 #include "rig/Announcer.h"
+#include "rig/BodyModes.h"
+#include "rig/CameraDetector.h"
 #include "rig/CameraRoster.h"
+#include "rig/DaemonSuppressor.h"
 #include "rig/ExposureControl.h"
 #include "rig/FireClock.h"
 #include "rig/FireLoop.h"
 #include "rig/FireOutcomes.h"
 #include "rig/ManualFire.h"
+#include "rig/ReconnectDesk.h"
 #include "rig/RenderPace.h"
 #include "rig/RigLog.h"
 #include "rig/RunKeeper.h"
@@ -18,6 +22,7 @@
 #include "rig/SleepGuard.h"
 #include "rig/Transport.h"
 
+#include <functional>
 #include <string>
 
 namespace zenka::rig {
@@ -26,7 +31,13 @@ namespace zenka::rig {
 /// belongs to the main thread. The ports outlive it.
 class RigModel {
 public:
-    RigModel(const ports::Ports& ports, const std::string& appVersion);
+    /// What leads to real bodies; without it the rig has simulated ones alone.
+    struct RealCameras {
+        CameraDetector::Families families;
+        std::function<void()> endServices; ///< ends the desktop's services that grab cameras; any thread
+    };
+
+    RigModel(const ports::Ports& ports, const std::string& appVersion, RealCameras real = {});
     RigModel(const RigModel&) = delete;
     RigModel& operator=(const RigModel&) = delete;
 
@@ -55,11 +66,16 @@ public:
     FireOutcomes& outcomes() { return outcomes_; }
     FireLoop& fireLoop() { return fireLoop_; }
     ManualFire& manualFire() { return manualFire_; }
+    BodyModes& modes() { return modes_; }
+    DaemonSuppressor& suppressor() { return suppressor_; }
+    CameraDetector& detector() { return detector_; }
+    ReconnectDesk& reconnect() { return reconnect_; }
     Announcer& announcer() { return announcer_; }
     RenderPace& renderPace() { return renderPace_; }
     FireClock& fireClock() { return fireClock_; }
 
 private:
+    void connectCameras();
     void advance(double dt);
     void resetFiredTracking();
     double nextDue() const;
@@ -78,6 +94,10 @@ private:
     FireOutcomes outcomes_;
     FireLoop fireLoop_;
     ManualFire manualFire_;
+    BodyModes modes_;
+    DaemonSuppressor suppressor_;
+    CameraDetector detector_;
+    ReconnectDesk reconnect_;
     Announcer announcer_;
     RenderPace renderPace_;
     FireClock fireClock_;

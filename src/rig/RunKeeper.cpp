@@ -32,7 +32,7 @@ base::Instant referenceInstant(const eclipse::Eclipse& eclipse) {
 } // namespace
 
 RunKeeper::RunKeeper(const ports::Ports& ports, RigLog& log, SiteDesk& site, ScriptDesk& script,
-                     const CameraRoster& roster, Transport& transport, std::string appVersion)
+                     CameraRoster& roster, Transport& transport, std::string appVersion)
     : ports_(ports), log_(log), site_(site), script_(script), roster_(roster), transport_(transport),
       appVersion_(std::move(appVersion)), store_(ports) {
 }
@@ -135,6 +135,14 @@ void RunKeeper::resumeReal(const RunState& state) {
     log_.pushLog(absl::StrFormat(
         "▶︎ RESUMED real run; clock at %s; %d past captures skipped, continuing from the next.",
         site_.fmtClock(clock), past));
+    if (state.liveCameras) {
+        for (const RunState::Cam& cam : state.cameras) {
+            if (!cam.serial.empty())
+                roster_.setLabelOfSerial(cam.serial, cam.label);
+        }
+        log_.pushLog("Re-detecting cameras to rebind by serial…");
+        rebindCameras_.emit();
+    }
     transport_.beginLiveRun();
 }
 

@@ -18,7 +18,7 @@ namespace zenka::rig {
 class RunKeeper {
 public:
     RunKeeper(const ports::Ports& ports, RigLog& log, SiteDesk& site, ScriptDesk& script,
-              const CameraRoster& roster, Transport& transport, std::string appVersion);
+              CameraRoster& roster, Transport& transport, std::string appVersion);
 
     /// Writes the run down now.
     void saveRunState(RunState::ArmKind kind);
@@ -45,6 +45,9 @@ public:
     /// An orderly end forgets a simulation and keeps a real run. Waits for the disk.
     void closeForExit();
 
+    /// The run that is picked up had real bodies, which are to be found again.
+    sigc::signal<void()>& rebindCameras() { return rebindCameras_; }
+
 private:
     void resumeSimulation(const RunState& state);
     void resumeReal(const RunState& state);
@@ -53,10 +56,11 @@ private:
     RigLog& log_;
     SiteDesk& site_;
     ScriptDesk& script_;
-    const CameraRoster& roster_;
+    CameraRoster& roster_;
     Transport& transport_;
     const std::string appVersion_;
     RunStateStore store_;
+    sigc::signal<void()> rebindCameras_;
     bool stored_ = true;                     // a file may be there
     std::optional<double> lastRunSave_;      // continuous seconds
     std::optional<double> lastEclipseNudge_; // continuous seconds

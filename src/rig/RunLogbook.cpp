@@ -114,6 +114,11 @@ void RunLogbook::closeForExit() {
     runLog_.reset();
 }
 
+void RunLogbook::noteEvent(const std::string& text) {
+    if (runLog_)
+        runLog_->event(text, site_.timeZone());
+}
+
 void RunLogbook::countFrame(const cameras::CameraControl& camera, const std::string& label, bool ok) {
     if (camera.isReal())
         ++(ok ? runOK_ : runDropped_)[label];

@@ -51,6 +51,8 @@ public:
     /// Waits until all that was logged is on the disk; false when it is not by the limit.
     bool drain(base::Seconds limit) { return queue_->drain(limit); }
 
+    /// A comment line of the open log, if any.
+    void noteEvent(const std::string& text);
     void countFrame(const cameras::CameraControl& camera, const std::string& label, bool ok);
     LatenessMeter& lateness() { return lateness_; }
 

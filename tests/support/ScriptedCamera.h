@@ -35,8 +35,20 @@ public:
     int shotCount() const override { return static_cast<int>(shots.size()); }
     std::optional<int> confirmedFrames() const override { return confirmed; }
 
+    cameras::CameraStatus status; ///< what a probe tells; an empty one is no answer
+    int probes = 0;
+    std::function<void(const ScriptedCamera&)> onCapture;
+    int fullExposures = 0; ///< frames that were asked to send every setting
+
+    void probe(std::function<void(const cameras::CameraStatus&)> done) override {
+        ++probes;
+        done(status);
+    }
+    void forceFullExposureNextFrame() override { ++fullExposures; }
     void capture(const cameras::Shot& shot, CaptureDone done) override {
         shots.push_back(shot);
+        if (onCapture)
+            onCapture(*this);
         cameras::CaptureOutcome outcome{.ok = true, .latencyMs = 212, .responded = true};
         if (!outcomes.empty()) {
             outcome = outcomes.front();

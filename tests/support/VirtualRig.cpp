@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace zenka::test {
 
@@ -32,7 +33,8 @@ int MemoryFiles::count(const std::string& ending) const {
         contents, [&](const auto& file) { return file.first.string().ends_with(ending); }));
 }
 
-VirtualRig::VirtualRig() : machine(anHourBefore(), folders, files, places, http), model(machine.all, "9.9") {
+VirtualRig::VirtualRig(rig::RigModel::RealCameras real)
+    : machine(anHourBefore(), folders, files, places, http), model(machine.all, "9.9", std::move(real)) {
     model.log().lineAdded().connect([this](const std::string& line) { lines.push_back(line); });
     model.recompute();
     model.fireClock().startClock();

@@ -17,7 +17,9 @@ namespace zenka::test {
 /// reference instant of the eclipse, so that a live run can be armed.
 class VirtualRig {
 public:
-    VirtualRig();
+    VirtualRig() : VirtualRig(rig::RigModel::RealCameras{}) {}
+    /// With families that lead to real bodies.
+    explicit VirtualRig(rig::RigModel::RealCameras real);
 
     MemoryFiles files;
     MemoryFolders folders;

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "base/Lifeline.h"
+#include "rig/CameraRoster.h"
+#include "rig/RigLog.h"
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace zenka::rig {
+
+/// What the bodies say of their dials and batteries. What a body could not tell leaves what it said before.
+/// Main thread.
+class BodyModes {
+public:
+    struct Mode {
+        std::optional<bool> isManual;
+        std::string modeName;
+        std::optional<int> batteryPercent;
+        std::optional<bool> autoIso;
+        std::string autoIsoDetail;
+
+        friend bool operator==(const Mode&, const Mode&) = default;
+    };
+
+    BodyModes(RigLog& log, const CameraRoster& roster) : log_(log), roster_(roster) {}
+
+    /// Asks every body; the answers come when they come.
+    void recheckModes();
+
+    void recheckApply(const cameras::CameraControl& camera, const cameras::CameraStatus& status,
+                      const std::string& label);
+    void applyAutoISO(const cameras::CameraControl& camera, const cameras::AutoIsoStatus& status,
+                      const std::string& label);
+
+    /// Empty for a body that has said nothing.
+    Mode of(const std::string& cameraId) const;
+    /// What is wrong with a body's dials, for its card; empty for nothing.
+    std::string warningOf(const std::string& cameraId) const;
+    /// A body has got another driver.
+    void carry(const std::string& fromId, const std::string& toId);
+
+    sigc::signal<void()>& changed() { return changed_; }
+
+private:
+    RigLog& log_;
+    const CameraRoster& roster_;
+    std::map<std::string, Mode> modes_; // by camera id
+    sigc::signal<void()> changed_;
+    base::Lifeline lifeline_;
+};
+
+} // namespace zenka::rig

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "cameras/CameraControl.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zenka::rig {
+
+/// A body on the bus, as a family or the universal driver sees it.
+struct FoundBody {
+    std::string model;  ///< the name for the operator
+    std::string port;   ///< "usb:020,007", empty for a family that knows its bodies otherwise
+    std::string serial; ///< by the USB bus or the family; empty where it is not known
+    std::string hub;    ///< of the USB hub, empty where it is not known
+
+    friend bool operator==(const FoundBody&, const FoundBody&) = default;
+};
+
+/// A body that has to be found again.
+struct DownBody {
+    std::string id; ///< of the driver that has lost it
+    std::string serial;
+    std::string model;
+    std::string label;
+    std::string backend;
+
+    friend bool operator==(const DownBody&, const DownBody&) = default;
+};
+
+/// One way to real bodies: a maker's own link, or the universal driver. Making another maker known is a
+/// class of this kind and one line where the families are listed. All but backend() and turn() run on the
+/// background thread of the detection, one call at a time, and may wait.
+class CameraFamily {
+public:
+    using Camera = std::shared_ptr<cameras::CameraControl>;
+    /// A sentence for the operator. Any thread.
+    using Tell = std::function<void(std::string)>;
+
+    /// When in a pass it is asked.
+    enum class Turn {
+        alone,        ///< first, and when it has a body the rest of the pass would sever that
+        beforeOthers, ///< for the bodies of its maker, before the universal driver gets what is left
+        universal,    ///< lists the bus, and takes what is left
+    };
+
+    virtual ~CameraFamily() = default;
+
+    /// As the run log names it.
+    virtual std::string backend() const = 0;
+    virtual Turn turn() const = 0;
+
+    /// Whether a body of the bus is this family's to try. The universal one takes all.
+    virtual bool takes(const FoundBody&) const { return true; }
+
+    /// The bodies that it sees. `listed` is what the universal driver lists that this family takes, empty
+    /// for the families asked before and for the universal one itself.
+    virtual std::vector<FoundBody> enumerate(const std::vector<FoundBody>& listed, const Tell& tell) = 0;
+
+    /// Null when the body cannot be held; why is told where the operator can do something about it.
+    virtual Camera connect(const FoundBody& body, const Tell& tell) = 0;
+
+    /// What to say when a body of this family was left to the universal driver; empty for nothing.
+    virtual std::string explainFallback() const { return {}; }
+
+    /// Lets go of a body that it connected, so that another driver can hold it.
+    virtual void release(const Camera& camera) = 0;
+
+    /// Looks for bodies that are down; the ones found come back connected, in the order of the ids.
+    struct Rebound {
+        std::string id; ///< of the DownBody
+        Camera camera;
+    };
+    virtual std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) = 0;
+
+    /// It looks at the bus on each so many polls only, as a look disturbs bodies that work.
+    virtual int pollsBetweenScans() const { return 1; }
+
+    /// Its look at the bus has never come back: what the operator can do; empty else. Any thread.
+    virtual std::string stuckAdvice() const { return {}; }
+
+    /// Whether its claims need the desktop's camera services to be kept away.
+    virtual bool needsSuppressor() const { return false; }
+};
+
+} // namespace zenka::rig
