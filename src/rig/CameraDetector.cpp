@@ -35,19 +35,12 @@ constexpr char claimedAlone[] =
 /// What a pass carries from step to step on the queue. It outlives a detector that goes meanwhile.
 struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
     Families families;
-    std::vector<CameraRoster::Camera> old;
-    std::vector<CameraRoster::Camera> found;
+    std::vector<CameraFamily::MakeDriver> found;
     std::shared_ptr<ports::WorkQueue> queue;
     CameraFamily::Tell tell;
     std::function<void(const std::string&)> say; ///< the step, for the operator
     std::function<void()> done;
     std::atomic<bool> cancelled = false;
-
-    std::shared_ptr<CameraFamily> familyOf(const std::string& backend) const {
-        const auto one =
-            std::ranges::find(families, backend, [](const auto& family) { return family->backend(); });
-        return one == families.end() ? nullptr : *one;
-    }
 
     void then(base::Seconds pause, void (Pass::*next)()) {
         queue->postAfter(pause, [self = shared_from_this(), next] {
@@ -56,18 +49,6 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
             else
                 (*self.*next)();
         });
-    }
-
-    void begin() {
-        say("Letting go of the bodies from before");
-        for (const auto& camera : old) {
-            if (const auto family = familyOf(camera->backend()))
-                family->release(camera);
-            else
-                camera->disconnect();
-        }
-        old.clear();
-        then(afterRelease, &Pass::askThoseThatWorkAlone);
     }
 
     void askThoseThatWorkAlone() {
@@ -89,6 +70,7 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
         say("Listing the USB bus");
         if (const auto universal = universalFamily())
             listed = universal->enumerate({}, tell);
+        seen = listed;
         then(afterListing, &Pass::askTheMakers);
     }
 
@@ -126,8 +108,8 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
             if (cancelled)
                 break;
             say("Connecting " + body.model);
-            if (auto camera = family.connect(body, tell))
-                found.push_back(std::move(camera));
+            if (auto make = family.connect(body, tell))
+                found.push_back(std::move(make));
             else
                 left.push_back(body);
         }
@@ -140,7 +122,8 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
         return one == families.end() ? nullptr : *one;
     }
 
-    std::vector<FoundBody> listed;
+    std::vector<FoundBody> listed; ///< and not taken yet
+    std::vector<FoundBody> seen;
 };
 
 CameraDetector::CameraDetector(const ports::Ports& ports, RigLog& log, CameraRoster& roster,
@@ -188,8 +171,11 @@ void CameraDetector::detectCameras() {
     pass_ = std::make_shared<Pass>();
     pass_->families = families_;
     pass_->queue = queue_;
-    std::ranges::copy_if(roster_.cameras(), std::back_inserter(pass_->old),
-                         [](const auto& camera) { return camera->isReal(); });
+    step_.set("Letting go of the bodies from before");
+    for (const auto& camera : roster_.cameras()) {
+        if (const auto family = familyOf(camera->backend()))
+            family->release(camera);
+    }
     ports::MainLoop& loop = ports_.loop;
     pass_->tell = [&loop, tell = lifeline_.guard([this](const std::string& text) { log_.pushLog(text); })](
                       std::string text) { loop.post([tell, text = std::move(text)] { tell(text); }); };
@@ -197,12 +183,11 @@ void CameraDetector::detectCameras() {
                      const std::string& text) { loop.post([say, text] { say(text); }); };
     pass_->done = [&loop, weak = std::weak_ptr(pass_),
                    arrive = lifeline_.guard([this](std::shared_ptr<Pass> pass) {
-                       const bool cancelled = pass->cancelled;
                        endPass();
-                       if (!cancelled)
-                           publish(pass->found);
+                       if (!pass->cancelled) // what a cancelled one has connected goes with it
+                           publish(*pass);
                    })] { loop.post([arrive, pass = weak.lock()] { arrive(pass); }); };
-    queue_->post([pass = pass_] { pass->begin(); });
+    pass_->then(afterRelease, &Pass::askThoseThatWorkAlone);
 }
 
 void CameraDetector::cancelDetect() {
@@ -213,22 +198,21 @@ void CameraDetector::cancelDetect() {
 }
 
 void CameraDetector::endPass() {
-    // What a cancelled pass has connected is let go of again.
-    if (pass_->cancelled) {
-        queue_->post([pass = pass_] {
-            for (const auto& camera : pass->found) {
-                if (const auto family = pass->familyOf(camera->backend()))
-                    family->release(camera);
-            }
-        });
-    }
     pass_.reset();
     suppressor_.stop();
     step_.set("");
     detecting_.set(false);
 }
 
-void CameraDetector::publish(const std::vector<CameraRoster::Camera>& found) {
+void CameraDetector::publish(const Pass& pass) {
+    std::vector<CameraRoster::Camera> found;
+    for (const auto& make : pass.found)
+        found.push_back(make());
+    hubs_.clear();
+    for (const FoundBody& body : pass.seen) {
+        if (!body.serial.empty() && !body.hub.empty())
+            hubs_[body.serial] = body.hub;
+    }
     std::map<std::string, std::string> idsBefore; // by serial
     for (const auto& camera : roster_.cameras()) {
         if (camera->isReal() && !camera->serial().empty())

@@ -41,6 +41,9 @@ public:
     const Families& families() const { return families_; }
     std::shared_ptr<CameraFamily> familyOf(const std::string& backend) const;
 
+    /// The USB hubs of the bodies by serial number, as the last pass saw them.
+    const std::map<std::string, std::string>& hubs() const { return hubs_; }
+
     /// A pass begins: what was known of bodies that are down is void.
     sigc::signal<void()>& passBegan() { return passBegan_; }
     /// A body of before has got another driver: from one id to another.
@@ -51,7 +54,7 @@ public:
 private:
     struct Pass;
 
-    void publish(const std::vector<CameraRoster::Camera>& found);
+    void publish(const Pass& pass);
     void tellWhatWasFound(const std::vector<CameraRoster::Camera>& found);
     void endPass();
 
@@ -63,6 +66,7 @@ private:
     const Families families_;
     std::shared_ptr<ports::WorkQueue> queue_;
     std::shared_ptr<Pass> pass_;
+    std::map<std::string, std::string> hubs_;
     base::Published<bool> detecting_{false};
     base::Published<std::string> step_;
     sigc::signal<void()> passBegan_;

@@ -32,11 +32,14 @@ struct DownBody {
 };
 
 /// One way to real bodies: a maker's own link, or the universal driver. Making another maker known is a
-/// class of this kind and one line where the families are listed. All but backend() and turn() run on the
-/// background thread of the detection, one call at a time, and may wait.
+/// class of this kind and one line where the families are listed. What looks at the bus or connects runs on
+/// a background thread, one call at a time, and may wait.
 class CameraFamily {
 public:
     using Camera = std::shared_ptr<cameras::CameraControl>;
+    /// Makes the driver of a body that is held, on the main thread. One that is dropped uncalled lets go of
+    /// the body.
+    using MakeDriver = std::function<Camera()>;
     /// A sentence for the operator. Any thread.
     using Tell = std::function<void(std::string)>;
 
@@ -60,19 +63,20 @@ public:
     /// for the families asked before and for the universal one itself.
     virtual std::vector<FoundBody> enumerate(const std::vector<FoundBody>& listed, const Tell& tell) = 0;
 
-    /// Null when the body cannot be held; why is told where the operator can do something about it.
-    virtual Camera connect(const FoundBody& body, const Tell& tell) = 0;
+    /// Empty when the body cannot be held; why is told where the operator can do something about it.
+    virtual MakeDriver connect(const FoundBody& body, const Tell& tell) = 0;
 
     /// What to say when a body of this family was left to the universal driver; empty for nothing.
     virtual std::string explainFallback() const { return {}; }
 
-    /// Lets go of a body that it connected, so that another driver can hold it.
-    virtual void release(const Camera& camera) = 0;
+    /// Lets go of a body that it connected, so that another driver can hold it half a second later. Main
+    /// thread; does not wait.
+    virtual void release(const Camera& camera) { camera->disconnect(); }
 
-    /// Looks for bodies that are down; the ones found come back connected, in the order of the ids.
+    /// Looks for bodies that are down, and holds those that it finds.
     struct Rebound {
         std::string id; ///< of the DownBody
-        Camera camera;
+        MakeDriver make;
     };
     virtual std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) = 0;
 

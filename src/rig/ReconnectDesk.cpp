@@ -41,12 +41,6 @@ CameraRoster::Camera ReconnectDesk::cameraOf(const std::string& id) const {
     return found == cameras.end() ? nullptr : *found;
 }
 
-std::shared_ptr<CameraFamily> ReconnectDesk::familyOf(const std::string& backend) const {
-    const auto found =
-        std::ranges::find(families_, backend, [](const auto& family) { return family->backend(); });
-    return found == families_.end() ? nullptr : *found;
-}
-
 void ReconnectDesk::flagDisconnect(const CameraRoster::Camera& camera) {
     const std::string id = camera->id();
     if (!camera->isReal() || !alarmed_.insert(id).second)
@@ -247,12 +241,11 @@ void ReconnectDesk::scan(bool busHasChanged) {
         return;
     if (suppress && !std::exchange(reconnectSuppressing_, true))
         suppressor_.start();
-    // Bodies that another driver holds still must be let go of first.
-    std::vector<CameraRoster::Camera> held;
+    // What another driver holds still must be let go of first.
     for (const Look& look : looks) {
         for (const DownBody& body : look.bodies) {
-            if (auto camera = cameraOf(body.id))
-                held.push_back(std::move(camera));
+            if (const auto camera = cameraOf(body.id); camera && camera->connected())
+                look.family->release(camera);
         }
     }
     reconnectInFlight_ = true;
@@ -266,13 +259,9 @@ void ReconnectDesk::scan(bool busHasChanged) {
             if (generation == generation_)
                 finishReconnect(results);
         });
-    queue_->post([looks, held, tell, arrive, &loop] {
+    queue_->post([looks, tell, arrive, &loop] {
         std::vector<CameraFamily::Rebound> results;
         for (const Look& look : looks) {
-            for (const auto& camera : held) {
-                if (camera->backend() == look.family->backend())
-                    look.family->release(camera);
-            }
             for (auto& result : look.family->rebind(look.bodies, tell))
                 results.push_back(std::move(result));
         }
@@ -281,13 +270,11 @@ void ReconnectDesk::scan(bool busHasChanged) {
 }
 
 void ReconnectDesk::finishReconnect(const std::vector<CameraFamily::Rebound>& results) {
-    for (const auto& [id, camera] : results) {
+    for (const auto& [id, make] : results) {
         const auto found = downCams_.find(id);
-        if (found == downCams_.end()) { // it was taken out of the list meanwhile
-            if (const auto family = familyOf(camera->backend()))
-                queue_->post([family, camera = camera] { family->release(camera); });
-            continue;
-        }
+        if (found == downCams_.end())
+            continue; // it was taken out of the list meanwhile
+        const CameraRoster::Camera camera = make();
         const std::string name = found->second.label;
         const std::string newId = camera->id();
         camera->forceFullExposureNextFrame();

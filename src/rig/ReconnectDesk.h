@@ -67,9 +67,7 @@ private:
 
     double now() const { return ports_.clock.continuousSeconds(); }
     CameraRoster::Camera cameraOf(const std::string& id) const;
-    std::shared_ptr<CameraFamily> familyOf(const std::string& backend) const;
     void recordDownCam(const cameras::CameraControl& camera, const std::string& name);
-    void releaseClaim(const CameraRoster::Camera& camera);
     void noteFlapping(const std::string& id, const std::string& name);
     /// True when it is one of several at once, which is told instead of the single one.
     bool toldAsGroup(const cameras::CameraControl& camera);

@@ -61,7 +61,10 @@ void RigModel::connectCameras() {
     reconnect_.reconnected().connect(carry);
     detector_.carried().connect(carry);
     detector_.passBegan().connect([this] { reconnect_.clearDisconnectState(); });
-    detector_.published().connect([this] { modes_.recheckModes(); });
+    detector_.published().connect([this] {
+        reconnect_.setHubs(detector_.hubs());
+        modes_.recheckModes();
+    });
     keeper_.rebindCameras().connect([this] {
         detector_.useRealCameras();
         detector_.detectCameras();

@@ -47,17 +47,19 @@ public:
         note("enumerate");
         return listed.empty() ? bus : listed;
     }
-    Camera connect(const rig::FoundBody& body, const Tell&) override {
+    MakeDriver connect(const rig::FoundBody& body, const Tell&) override {
         note("connect " + body.serial);
         if (refusing.contains(body.serial))
-            return nullptr;
+            return {};
         auto camera = std::make_shared<ScriptedCamera>(
             backend_ + "-" + body.serial + "-" + std::to_string(++number_), body.model);
         camera->serialNumber = body.serial;
         camera->family = backend_;
         camera->onCapture = onCapture;
-        made[body.serial] = camera;
-        return camera;
+        return [this, camera] {
+            made[camera->serial()] = camera;
+            return camera;
+        };
     }
     std::string explainFallback() const override { return fallback; }
     void release(const Camera& camera) override {
@@ -71,8 +73,8 @@ public:
             const auto body = std::ranges::find(bus, wanted.serial, &rig::FoundBody::serial);
             if (body == bus.end())
                 continue;
-            if (auto camera = connect(*body, tell))
-                back.push_back({.id = wanted.id, .camera = std::move(camera)});
+            if (auto make = connect(*body, tell))
+                back.push_back({.id = wanted.id, .make = std::move(make)});
         }
         return back;
     }
