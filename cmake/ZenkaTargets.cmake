@@ -1,11 +1,22 @@
-# zenka_library(folder USES other-folders... LINKS imported-targets...)
+# zenka_sources(variable folder sub-folders...): the C++ files of a folder and of the sub-folders named.
+function(zenka_sources variable folder)
+  set(patterns "")
+  foreach(part IN LISTS ARGN ITEMS "")
+    cmake_path(APPEND CMAKE_CURRENT_SOURCE_DIR "${folder}" "${part}" OUTPUT_VARIABLE path)
+    cmake_path(NORMAL_PATH path)
+    list(APPEND patterns "${path}/*.cpp" "${path}/*.h")
+  endforeach()
+  file(GLOB sources CONFIGURE_DEPENDS ${patterns})
+  set(${variable} ${sources} PARENT_SCOPE)
+endfunction()
+
+# zenka_library(folder USES other-folders... LINKS imported-targets... WITH sub-folders...)
 # One static library from the sources of one folder of src/. USES is the layer rule in CMake's words:
-# a folder links only with what it may include.
+# a folder links only with what it may include. WITH names sub-folders that belong to the library.
 function(zenka_library folder)
-  cmake_parse_arguments(arg "" "" "USES;LINKS" ${ARGN})
+  cmake_parse_arguments(arg "" "" "USES;LINKS;WITH" ${ARGN})
   string(REPLACE "/" "_" name "zenka_${folder}")
-  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp"
-                                      "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.h")
+  zenka_sources(sources ${folder} ${arg_WITH})
   if(NOT sources)
     add_library(${name} INTERFACE)
     return()
@@ -20,11 +31,10 @@ function(zenka_library folder)
   endforeach()
 endfunction()
 
-# zenka_tests(folder LINKS targets...): one GoogleTest executable from tests/folder.
+# zenka_tests(folder LINKS targets... WITH sub-folders...): one GoogleTest executable from tests/folder.
 function(zenka_tests folder)
-  cmake_parse_arguments(arg "" "" "LINKS" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp"
-                                      "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.h")
+  cmake_parse_arguments(arg "" "" "LINKS;WITH" ${ARGN})
+  zenka_sources(sources ${folder} ${arg_WITH})
   if(NOT sources)
     return()
   endif()

@@ -2,6 +2,8 @@
 
 #include "cli/CompileFile.h"
 #include "cli/Rehearse.h"
+#include "cli/UsbHolders.h"
+#include "cli/UsbNames.h"
 #include "cli/Validate.h"
 
 #include <algorithm>
@@ -22,7 +24,9 @@ struct Switch {
 };
 
 // The order is fixed: of several switches given, the first of this table is run.
-constexpr std::array<Switch, 3> switches{{
+constexpr std::array<Switch, 5> switches{{
+    {"--usb-names", 0, [](Values) { printUsbNames(); }},
+    {"--usb-holders", 0, [](Values values) { printUsbHolders(values.empty() ? "" : values[0]); }},
     {"--validate", 0, [](Values) { runValidation(); }},
     {"--compile", 1, [](Values values) { compileFile(values[0]); }},
     {"--rehearse", 1, [](Values values) { rehearse(values[0], values.subspan(1)); }},

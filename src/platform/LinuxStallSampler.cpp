@@ -2,19 +2,17 @@
 
 #include "base/Text.h"
 #include "platform/Descriptor.h"
+#include "platform/Spawn.h"
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <optional>
-#include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <thread>
-#include <vector>
 
 namespace zenka::platform {
 
@@ -38,45 +36,17 @@ std::string findProgram(std::string_view name) {
     return {};
 }
 
-/// The environment without the debug information servers, which a stack sample must not wait for.
-std::vector<char*> childEnvironment() {
-    std::vector<char*> entries;
-    for (char** entry = environ; *entry; ++entry)
-        if (!std::string_view(*entry).starts_with("DEBUGINFOD_URLS="))
-            entries.push_back(*entry);
-    entries.push_back(nullptr);
-    return entries;
-}
-
-/// The child in a process group of its own, with only these two descriptors and the usual signals.
-std::optional<pid_t> spawn(const std::string& program, int input, int output) {
-    posix_spawn_file_actions_t actions;
-    posix_spawnattr_t attributes;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawnattr_init(&attributes);
-    posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
-    posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-    sigset_t none;
-    sigset_t all;
-    sigemptyset(&none);
-    sigfillset(&all);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setsigdefault(&attributes, &all);
-    posix_spawnattr_setpgroup(&attributes, 0);
-    posix_spawnattr_setflags(&attributes,
-                             POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-
-    std::array<std::string, 6> words{"sh", "-c", script, "sh", program, std::to_string(::getpid())};
-    std::array<char*, 7> arguments{};
-    for (std::size_t index = 0; index < words.size(); ++index)
-        arguments[index] = words[index].data();
+/// The sampler's shell. Its environment lacks the debug information servers, which a stack sample must not
+/// wait for.
+std::optional<pid_t> spawnSampler(const std::string& program, int input, int output) {
     pid_t child = 0;
-    const int fault =
-        posix_spawn(&child, "/bin/sh", &actions, &attributes, arguments.data(), childEnvironment().data());
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&actions);
+    const int fault = spawn({.program = "/bin/sh",
+                             .arguments = {"-c", script, "sh", program, std::to_string(::getpid())},
+                             .environment = environmentWithout({"DEBUGINFOD_URLS"}),
+                             .input = input,
+                             .output = output,
+                             .errors = output},
+                            child);
     return fault == 0 ? std::optional(child) : std::nullopt;
 }
 
@@ -107,7 +77,7 @@ bool LinuxStallSampler::sampleTo(const fs::path& file) {
         if (output && ::pipe2(ends.data(), O_CLOEXEC) == 0) {
             const Descriptor input(ends[0]);
             const Descriptor word(ends[1]);
-            child = spawn(program_, input.get(), output.get());
+            child = spawnSampler(program_, input.get(), output.get());
             // the hardened kernels let a child trace its parent only by leave
             if (child)
                 ::prctl(PR_SET_PTRACER, *child);

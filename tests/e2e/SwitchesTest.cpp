@@ -93,6 +93,48 @@ TEST_F(Switches, compilePrintsBothEndsOfTheScript) {
     EXPECT_EQ(zenka({"--compile", latin1}).output, "cannot read " + latin1 + "\n");
 }
 
+TEST_F(Switches, usbNamesPrintsWhatIsPluggedInAndUsbHoldersWhoHasItOpen) {
+    const std::string machine = file("machine.umockdev", "P: /devices/usb1/1-1\n"
+                                                         "N: bus/usb/001/007\n"
+                                                         "E: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\n"
+                                                         "A: busnum=1\\n\nA: devnum=7\\n\n"
+                                                         "A: idVendor=054c\\n\nA: idProduct=0994\\n\n"
+                                                         "A: product=ILCE-7M4 é\\n\nA: manufacturer=Sony\\n\n"
+                                                         "A: serial=D123\\n\n"
+                                                         "\n"
+                                                         "P: /devices/usb1/1-2\n"
+                                                         "E: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\n"
+                                                         "A: busnum=1\\n\nA: devnum=12\\n\n"
+                                                         "A: idVendor=04b0\\n\nA: idProduct=0453\\n\n"
+                                                         "A: product=NIKON DSC Z 8\\n\n"
+                                                         "\n"
+                                                         "P: /devices/usb1/1-3\n"
+                                                         "E: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\n"
+                                                         "A: busnum=1\\n\nA: devnum=13\\n\n"
+                                                         "A: idVendor=05ac\\n\nA: idProduct=0001\\n\n"
+                                                         "A: product=Keyboard\\n\n");
+    // a sanitizer wants to come first, and the mock has to
+    const auto onMachine = [&](const std::string& script) {
+        Child child({"umockdev-run", "--device", machine, "--", "sh", "-c", script, ZENKA_EXECUTABLE},
+                    {"HOME=" + home.string(), "ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0"});
+        return child.readRest();
+    };
+    EXPECT_EQ(
+        onMachine("\"$0\" --validate --usb-names"),
+        "USB devices with a product string (Apple-internal hidden):\n"
+        "  ILCE-7M4 é                  vendor=Sony          vid=1356 pid=2452  -> usb:001,007  serial=D123\n"
+        "      display name -> ILCE-7M4 é\n"
+        "  NIKON DSC Z 8               vendor=?             vid=1200 pid=1107  -> usb:001,012  serial=-\n"
+        "      display name -> Nikon DSC Z 8\n");
+    const std::string head = "User clients on USB devices with vid=0x054C:\n";
+    const std::string none = "  (no devices of that vendor, or no holders besides this process)\n";
+    EXPECT_EQ(onMachine("\"$0\" --usb-holders"), head + none);
+    EXPECT_EQ(onMachine("exec 3< /dev/bus/usb/001/007; \"$0\" --usb-holders 54c 3<&-"), head + "  sh\n");
+    EXPECT_EQ(onMachine("exec 3< /dev/bus/usb/001/007; \"$0\" --usb-holders zz 3<&-"), head + "  sh\n");
+    EXPECT_EQ(onMachine("\"$0\" --usb-holders 0x04a9"),
+              "User clients on USB devices with vid=0x04A9:\n" + none);
+}
+
 TEST_F(Switches, theOrderIsTheTablesAndAMissingValueFallsThrough) {
     EXPECT_TRUE(zenka({"--compile", "--validate"}).output.starts_with("Validating: "))
         << "--validate comes first";

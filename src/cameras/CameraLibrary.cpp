@@ -1,0 +1,111 @@
+#include "cameras/CameraLibrary.h"
+
+#include <absl/strings/str_format.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace zenka::cameras {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string toJson(const std::vector<CameraLibraryEntry>& entries) {
+    Json list = Json::array();
+    for (const CameraLibraryEntry& entry : entries) {
+        Json item{{"serial", entry.serial}, {"model", entry.model}, {"label", entry.label}};
+        if (entry.lens)
+            item["lens"] = *entry.lens;
+        list.push_back(std::move(item));
+    }
+    return list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::optional<CameraLibraryEntry> fromJson(const Json& item) {
+    const auto text = [&](const char* key) -> std::optional<std::string> {
+        const auto found = item.find(key);
+        if (found == item.end() || !found->is_string())
+            return std::nullopt;
+        return found->get<std::string>();
+    };
+    if (!item.is_object())
+        return std::nullopt;
+    auto serial = text("serial");
+    auto model = text("model");
+    auto label = text("label");
+    auto lens = text("lens");
+    const bool lensUnreadable = !lens && item.contains("lens") && !item["lens"].is_null();
+    if (!serial || !model || !label || lensUnreadable)
+        return std::nullopt;
+    return CameraLibraryEntry{.serial = *std::move(serial),
+                              .model = *std::move(model),
+                              .label = *std::move(label),
+                              .lens = std::move(lens)};
+}
+
+/// Whether the list changed.
+bool putInto(std::vector<CameraLibraryEntry>& entries, const CameraLibraryEntry& entry) {
+    const auto place = std::ranges::find(entries, entry.serial, &CameraLibraryEntry::serial);
+    if (entry.serial.empty() || (place != entries.end() && *place == entry))
+        return false;
+    if (place == entries.end())
+        entries.push_back(entry);
+    else
+        *place = entry;
+    return true;
+}
+
+} // namespace
+
+CameraLibrary::CameraLibrary(ports::Files& files, const ports::Folders& folders, ports::WorkQueues& queues)
+    : disk_(files), file_(folders.applicationSupport() / "cameras.json"),
+      queue_(queues.serial("zenka.cameralibrary")) {
+}
+
+std::optional<std::string> CameraLibrary::load() {
+    entries_.clear();
+    const auto text = disk_.read(file_);
+    if (!text)
+        return std::nullopt;
+    const Json list = Json::parse(*text, nullptr, false);
+    bool whole = list.is_array();
+    for (const Json& item : whole ? list : Json::array()) {
+        if (const auto entry = fromJson(item))
+            putInto(entries_, *entry);
+        else
+            whole = false;
+    }
+    if (whole)
+        return std::nullopt;
+    const std::string what =
+        "The camera library could not be read" +
+        (entries_.empty() ? std::string("; it begins anew.")
+                          : absl::StrFormat(" whole; cameras read: %d.", entries_.size()));
+    if (!disk_.writeAtomically(file_.string() + ".damaged", *text))
+        return what;
+    save();
+    return what + " The file is kept as cameras.json.damaged in the program's folder.";
+}
+
+std::optional<CameraLibraryEntry> CameraLibrary::find(std::string_view serial) const {
+    const auto found = std::ranges::find(entries_, serial, &CameraLibraryEntry::serial);
+    return found == entries_.end() ? std::nullopt : std::optional(*found);
+}
+
+void CameraLibrary::put(const CameraLibraryEntry& entry) {
+    if (putInto(entries_, entry))
+        save();
+}
+
+void CameraLibrary::remove(std::string_view serial) {
+    if (std::erase_if(entries_, [&](const auto& entry) { return entry.serial == serial; }) > 0)
+        save();
+}
+
+void CameraLibrary::save() {
+    queue_->post(
+        [&disk = disk_, file = file_, json = toJson(entries_)] { disk.writeAtomically(file, json); });
+}
+
+} // namespace zenka::cameras

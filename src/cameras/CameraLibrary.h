@@ -1,0 +1,59 @@
+#pragma once
+
+#include "ports/Files.h"
+#include "ports/Folders.h"
+#include "ports/WorkQueues.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zenka::cameras {
+
+/// A body of the operator's own.
+struct CameraLibraryEntry {
+    std::string serial; ///< tells it from all others; not empty
+    std::string model;
+    std::string label; ///< the name by which scripts know it
+    std::optional<std::string> lens;
+
+    friend bool operator==(const CameraLibraryEntry&, const CameraLibraryEntry&) = default;
+};
+
+/// The bodies that were given a label or a lens, kept by their serials in the file "cameras.json" from one
+/// session to the next. Main thread.
+class CameraLibrary {
+public:
+    CameraLibrary(ports::Files& files, const ports::Folders& folders, ports::WorkQueues& queues);
+
+    /// Takes the entries from the file, none where there is no file. Waits for the disk, for start-up. A
+    /// file that does not read whole is kept as "cameras.json.damaged", what can be read of it is taken, and
+    /// a sentence for the log is given.
+    std::optional<std::string> load();
+
+    /// In the order in which they were added.
+    const std::vector<CameraLibraryEntry>& entries() const { return entries_; }
+
+    /// Nothing for an unknown serial.
+    std::optional<CameraLibraryEntry> find(std::string_view serial) const;
+
+    /// Adds an entry, or puts it in the place of the one with its serial. One with no serial is passed over.
+    /// The file is written without waiting for it.
+    void put(const CameraLibraryEntry& entry);
+
+    /// Likewise. An unknown serial is passed over.
+    void remove(std::string_view serial);
+
+private:
+    void save();
+
+    ports::Files& disk_;
+    const std::filesystem::path file_;
+    const std::shared_ptr<ports::WorkQueue> queue_;
+    std::vector<CameraLibraryEntry> entries_;
+};
+
+} // namespace zenka::cameras

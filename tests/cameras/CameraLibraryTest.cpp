@@ -1,0 +1,111 @@
+#include "cameras/CameraLibrary.h"
+
+#include "platform/virtual/VirtualMachine.h"
+#include "support/MemoryFiles.h"
+
+#include <gmock/gmock.h>
+
+using namespace zenka;
+using cameras::CameraLibrary;
+using cameras::CameraLibraryEntry;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::Optional;
+
+namespace {
+
+struct CameraLibraryTest : testing::Test {
+    platform::VirtualTime time{{.epochSec = 0}};
+    platform::VirtualWorkQueues queues{time};
+    test::MemoryFiles files;
+    test::MemoryFolders folders;
+    const std::filesystem::path file = folders.applicationSupport() / "cameras.json";
+    const std::filesystem::path damaged = file.string() + ".damaged";
+    CameraLibrary library{files, folders, queues};
+
+    const CameraLibraryEntry wide{.serial = "000006001234", .model = "Z 8", .label = "WIDE"};
+    const CameraLibraryEntry tele{
+        .serial = "DC\"7", .model = "DC-S1R", .label = "Téle", .lens = "FSQ-106 f/5"};
+
+    std::string written() {
+        time.runFor(base::Seconds(0.1));
+        return files.contents[file];
+    }
+};
+
+} // namespace
+
+TEST_F(CameraLibraryTest, bodiesFollowTheirSerialsIntoTheNextSession) {
+    EXPECT_EQ(library.load(), std::nullopt) << "no file is no damage";
+    library.put(wide);
+    library.put(tele);
+    EXPECT_FALSE(files.exists(file)) << "the caller does not wait for the disk";
+    EXPECT_EQ(written(), R"([
+  {
+    "serial": "000006001234",
+    "model": "Z 8",
+    "label": "WIDE"
+  },
+  {
+    "serial": "DC\"7",
+    "model": "DC-S1R",
+    "label": "Téle",
+    "lens": "FSQ-106 f/5"
+  }
+]
+)");
+    CameraLibrary next(files, folders, queues);
+    EXPECT_EQ(next.load(), std::nullopt);
+    EXPECT_THAT(next.entries(), ElementsAre(wide, tele));
+    auto relabelled = wide;
+    relabelled.label = "CAM1";
+    next.put(relabelled);
+    EXPECT_THAT(next.entries(), ElementsAre(relabelled, tele)) << "in its place";
+    EXPECT_EQ(next.find(wide.serial), relabelled);
+    next.remove(tele.serial);
+    next.remove("unknown");
+    EXPECT_EQ(next.find(tele.serial), std::nullopt);
+    EXPECT_THAT(written(), HasSubstr("CAM1"));
+    library.load();
+    EXPECT_THAT(library.entries(), ElementsAre(relabelled));
+}
+
+TEST_F(CameraLibraryTest, aBodyWithoutASerialIsNotStored) {
+    library.put({.serial = "", .model = "Z 8", .label = "CAM1"});
+    EXPECT_THAT(library.entries(), IsEmpty());
+    time.runFor(base::Seconds(0.1));
+    EXPECT_FALSE(files.exists(file));
+    files.contents[file] =
+        R"([{"serial":"","model":"m","label":"l"},{"serial":"s","model":"m","label":"l"}])";
+    EXPECT_EQ(library.load(), std::nullopt);
+    EXPECT_THAT(library.entries(), ElementsAre(CameraLibraryEntry{"s", "m", "l", {}}));
+}
+
+TEST_F(CameraLibraryTest, aDamagedFileIsKeptAsideAndWhatCanBeReadOfItIsTaken) {
+    for (const char* text : {"", "{}", "[{\"serial\":", "[7]", R"([{"serial":"s","model":"m"}])",
+                             R"([{"serial":7,"model":"m","label":"l"}])"}) {
+        files.contents[file] = text;
+        EXPECT_THAT(library.load(), Optional(HasSubstr("begins anew"))) << text;
+        EXPECT_THAT(library.entries(), IsEmpty()) << text;
+        EXPECT_EQ(files.contents[damaged], text);
+        EXPECT_EQ(written(), "[]\n");
+        EXPECT_EQ(library.load(), std::nullopt) << "it is told once";
+    }
+    const std::string half = R"([{"serial":"a","model":"m","label":"l","lens":null},
+                                 {"serial":"b","model":"m","label":"l","lens":7}])";
+    files.contents[file] = half;
+    EXPECT_THAT(library.load(), Optional(HasSubstr("cameras.json.damaged")));
+    EXPECT_THAT(library.entries(), ElementsAre(CameraLibraryEntry{"a", "m", "l", {}}));
+    EXPECT_EQ(files.contents[damaged], half);
+    EXPECT_THAT(written(), Not(HasSubstr("lens")));
+}
+
+TEST_F(CameraLibraryTest, aDamagedFileThatCannotBeKeptAsideIsLeftAlone) {
+    files.contents[file] = "damaged";
+    files.broken = true;
+    EXPECT_NE(library.load(), std::nullopt);
+    files.broken = false;
+    EXPECT_EQ(written(), "damaged");
+}
