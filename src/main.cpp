@@ -1,8 +1,10 @@
+#include "cameras/gphoto2/GPhoto2Program.h"
 #include "cli/Switches.h"
 #include "platform/LinuxFolders.h"
 #include "platform/LinuxPorts.h"
 #include "platform/QtSettings.h"
 #include "platform/QuitSignals.h"
+#include "rig/GPhoto2Family.h"
 #include "rig/RigModel.h"
 #include "ui/Window.h"
 
@@ -11,6 +13,8 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -37,7 +41,24 @@ int runWindow(int argc, char** argv) {
     platform::QtSettings settings(settingsQueues);
     platform::LinuxFolders folders;
     platform::LinuxPorts machine(settings, folders);
-    rig::RigModel rig(machine.all, ZENKA_VERSION);
+    cameras::CameraDaemons daemons(machine.processes, machine.queues);
+    std::function<void(const std::string&)> log = [](const std::string&) {};
+    cameras::GPhoto2Program gphoto2({.children = machine.children,
+                                     .daemons = daemons,
+                                     .queues = machine.queues,
+                                     .loop = machine.loop,
+                                     .clock = machine.clock,
+                                     .settings = settings,
+                                     .folders = folders,
+                                     .files = machine.files,
+                                     .programFolder = QCoreApplication::applicationDirPath().toStdString(),
+                                     .warn = [&log](const std::string& words) { log(words); }});
+    // A maker's family is a line here; the order among them is that of a detection.
+    const rig::CameraDetector::Families families{std::make_shared<rig::GPhoto2Family>(gphoto2, machine.usb)};
+    rig::RigModel rig(machine.all, ZENKA_VERSION,
+                      {.families = families, .endServices = [&daemons] { daemons.freeNow(); }});
+    log = [&rig](const std::string& words) { rig.log().pushLog("⚠️ " + words); };
+    machine.usb.watch([&rig] { rig.reconnect().busChanged(); });
     const platform::QuitSignals quitSignals([] { QGuiApplication::exit(0); });
     ui::Window window(rig, machine.all, QStringLiteral(ZENKA_VERSION));
     if (const auto damage = settings.damage())
@@ -45,7 +66,9 @@ int runWindow(int argc, char** argv) {
     if (!window.show())
         return 1;
     const int status = QGuiApplication::exec();
+    machine.usb.watch({});
     rig.handleAppWillTerminate();
+    log = [](const std::string&) {};
     return status;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Instant.h"
 #include "cameras/ExposureChoices.h"
 
 #include <functional>
@@ -72,6 +73,9 @@ public:
 
     /// Stops using the body.
     virtual void disconnect() = 0;
+
+    /// Ends everything that it holds, within a limit, for the end of the program.
+    virtual void shutDown(base::Seconds) { disconnect(); }
 
     /// Fires once.
     virtual void capture(const Shot& shot, CaptureDone done) = 0;

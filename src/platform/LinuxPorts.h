@@ -1,11 +1,14 @@
 #pragma once
 
 #include "platform/BundledPlaceLookup.h"
+#include "platform/LinuxChildProcesses.h"
 #include "platform/LinuxClock.h"
 #include "platform/LinuxFiles.h"
 #include "platform/LinuxFireTimer.h"
 #include "platform/LinuxKeepAwake.h"
+#include "platform/LinuxProcessTable.h"
 #include "platform/LinuxStallSampler.h"
+#include "platform/LinuxUsbBus.h"
 #include "platform/QtHttpClient.h"
 #include "platform/QtMainLoop.h"
 #include "platform/ThreadWorkQueues.h"
@@ -29,6 +32,9 @@ public:
     LinuxKeepAwake keepAwake;
     LinuxStallSampler stallSampler;
     BundledPlaceLookup places;
+    LinuxChildProcesses children;
+    LinuxUsbBus usb;
+    LinuxProcessTable processes;
     QtHttpClient http{loop};
     ports::Ports all;
 };

@@ -81,6 +81,8 @@ std::string CameraRoster::keyOf(const cameras::CameraControl& camera) const {
 
 void CameraRoster::setLabel(const cameras::CameraControl& camera, const std::string& label) {
     labels_[keyOf(camera)] = label;
+    if (!camera.serial().empty())
+        labelled_.emit(camera, label);
     changed_.emit();
 }
 

@@ -74,6 +74,8 @@ public:
     std::vector<RosterEntry> missingCameras(const std::vector<std::string>& scriptTokens) const;
     std::vector<Camera> unusedConnectedCameras(const std::vector<std::string>& scriptTokens) const;
 
+    /// A body with a serial number was given a label by the user.
+    sigc::signal<void(const cameras::CameraControl&, const std::string&)>& labelled() { return labelled_; }
     /// A body came, went or changed its name.
     sigc::signal<void()>& changed() { return changed_; }
 
@@ -85,6 +87,7 @@ private:
     std::map<std::string, std::string> labels_; // by keyOf()
     std::set<std::string> disconnected_;        // camera ids
     int planned_ = 0;
+    sigc::signal<void(const cameras::CameraControl&, const std::string&)> labelled_;
     sigc::signal<void()> changed_;
 };
 

@@ -37,7 +37,8 @@ bool GPhoto2Family::usable(const Tell& tell) {
     if (!version.empty() && newEnough(version))
         return true;
     if (asked.code == -1)
-        tell("⚠️ The program gphoto2 is not installed, so Nikon, Fujifilm and other bodies cannot be driven. "
+        tell("⚠️ The program gphoto2 is not installed, so Nikon, Fujifilm and other bodies cannot be "
+             "driven. "
              "Install it (on Debian: sudo apt install gphoto2), then Detect again.");
     else if (version.empty())
         tell("⚠️ The program gphoto2 does not answer as it should (" +
@@ -73,8 +74,8 @@ std::vector<FoundBody> GPhoto2Family::enumerate(const std::vector<FoundBody>& li
 }
 
 CameraFamily::MakeDriver GPhoto2Family::connect(const FoundBody& body, const Tell&) {
-    const std::string id = "gphoto2-" + (body.serial.empty() ? body.port : body.serial) + "-" +
-                           std::to_string(++made_);
+    const std::string id =
+        "gphoto2-" + (body.serial.empty() ? body.port : body.serial) + "-" + std::to_string(++made_);
     return [&program = program_, body, id] {
         auto camera = std::make_shared<cameras::GPhoto2Camera>(
             program, cameras::GPhoto2Camera::Body{
@@ -84,7 +85,8 @@ CameraFamily::MakeDriver GPhoto2Family::connect(const FoundBody& body, const Tel
     };
 }
 
-std::vector<CameraFamily::Rebound> GPhoto2Family::rebind(const std::vector<DownBody>& down, const Tell& tell) {
+std::vector<CameraFamily::Rebound> GPhoto2Family::rebind(const std::vector<DownBody>& down,
+                                                         const Tell& tell) {
     std::vector<Rebound> back;
     for (const auto& detected : program_.autodetect()) {
         const auto device = USBCameraNames::lookup(bus_, detected.port);

@@ -4,6 +4,12 @@
 
 namespace zenka::rig {
 
+namespace {
+
+constexpr base::Seconds exitLimit{2}; ///< for a body to be let go of at the end of the program
+
+} // namespace
+
 RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion, RealCameras real)
     : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
       script_(ports_, log_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
@@ -11,9 +17,9 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion, Rea
       keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion),
       outcomes_(ports_, log_, site_, roster_, logbook_, transport_),
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
-      manualFire_(ports_, outcomes_), modes_(log_, roster_),
-      suppressor_(
-          ports_.queues, real.endServices ? real.endServices : [] {}),
+      manualFire_(ports_, outcomes_), library_(ports_.files, ports_.folders, ports_.queues),
+      modes_(log_, roster_), suppressor_(
+                                 ports_.queues, real.endServices ? real.endServices : [] {}),
       detector_(ports_, log_, roster_, transport_, suppressor_, real.families),
       reconnect_(ports_, log_, roster_, logbook_, transport_, suppressor_, real.families),
       announcer_(log_, script_), renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
@@ -60,6 +66,13 @@ void RigModel::connectCameras() {
     };
     reconnect_.reconnected().connect(carry);
     detector_.carried().connect(carry);
+    roster_.labelled().connect([this](const cameras::CameraControl& camera, const std::string& label) {
+        const auto known = library_.find(camera.serial());
+        library_.put({.serial = camera.serial(),
+                      .model = camera.model(),
+                      .label = label,
+                      .lens = known ? known->lens : std::nullopt});
+    });
     detector_.passBegan().connect([this] { reconnect_.clearDisconnectState(); });
     detector_.published().connect([this] {
         reconnect_.setHubs(detector_.hubs());
@@ -75,11 +88,19 @@ void RigModel::bootstrap() {
     site_.restore();
     sites_.restore();
     script_.restore();
+    restoreLibrary();
     recompute();
     transport_.restoreSimClock();
     keeper_.checkForResumableRun();
     keeper_.checkEclipseDay();
     fireClock_.startClock();
+}
+
+void RigModel::restoreLibrary() {
+    if (const auto damage = library_.load())
+        log_.pushLog("⚠️ " + *damage);
+    for (const cameras::CameraLibraryEntry& entry : library_.entries())
+        roster_.setLabelOfSerial(entry.serial, entry.label);
 }
 
 void RigModel::recompute() {
@@ -90,6 +111,9 @@ void RigModel::handleAppWillTerminate() {
     script_.keep();
     logbook_.closeForExit();
     keeper_.closeForExit();
+    detector_.cancelDetect();
+    for (const auto& camera : roster_.cameras())
+        camera->shutDown(exitLimit);
 }
 
 void RigModel::advance(double dt) {

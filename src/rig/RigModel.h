@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cameras/CameraLibrary.h"
 #include "ports/Ports.h"
 #include "rig/Announcer.h"
 #include "rig/BodyModes.h"
@@ -66,6 +67,7 @@ public:
     FireOutcomes& outcomes() { return outcomes_; }
     FireLoop& fireLoop() { return fireLoop_; }
     ManualFire& manualFire() { return manualFire_; }
+    const cameras::CameraLibrary& library() const { return library_; }
     BodyModes& modes() { return modes_; }
     DaemonSuppressor& suppressor() { return suppressor_; }
     CameraDetector& detector() { return detector_; }
@@ -76,6 +78,7 @@ public:
 
 private:
     void connectCameras();
+    void restoreLibrary();
     void advance(double dt);
     void resetFiredTracking();
     double nextDue() const;
@@ -94,6 +97,7 @@ private:
     FireOutcomes outcomes_;
     FireLoop fireLoop_;
     ManualFire manualFire_;
+    cameras::CameraLibrary library_;
     BodyModes modes_;
     DaemonSuppressor suppressor_;
     CameraDetector detector_;

@@ -40,6 +40,14 @@ CamerasView::CamerasView(rig::RigModel& rig, QObject* parent) : QAbstractListMod
     observe(this, rig.script().compiled(), refreshed);
     observe(this, rig.outcomes().changed(), refreshed);
     observe(this, rig.transport().activityChanged(), refreshed);
+    observe(this, rig.modes().changed(), refreshed);
+    observe(this, rig.detector().detecting().changed(), [this](bool) { Q_EMIT changed(); });
+    observe(this, rig.detector().step().changed(), [this](const auto&) { Q_EMIT changed(); });
+    observe(this, rig.reconnect().showDisconnectAlarm().changed(), [this](bool) { Q_EMIT alarmChanged(); });
+    observe(this, rig.reconnect().disconnectedNames().changed(),
+            [this](const auto&) { Q_EMIT alarmChanged(); });
+    observe(this, rig.reconnect().cameraRecoveryHint().changed(),
+            [this](const auto&) { Q_EMIT alarmChanged(); });
     observe(this, rig.renderPace().renderTick().changed(), [this](auto) { refresh(); });
     observe(this, rig.log().lineAdded(), [this](const std::string& line) { noteLine(line); });
     const auto& lines = rig.log().lines();
@@ -82,9 +90,14 @@ CamerasView::Row CamerasView::bodyRow(const rig::CameraRoster::Camera& camera) c
     row.used = std::ranges::any_of(
         tokens, [&](const std::string& token) { return roster.cameraMatches(*camera, token); });
     row.run = rig_.transport().runActive();
-    row.details = driverWord(*camera) + QStringLiteral(" · ") +
-                  (gone ? QStringLiteral("not connected") : QStringLiteral("connected")) +
-                  (row.used ? QString() : QStringLiteral(" · not in the script"));
+    const rig::BodyModes::Mode mode = rig_.modes().of(id);
+    if (!mode.modeName.empty())
+        row.details += qt(mode.modeName) + QStringLiteral(" · ");
+    if (mode.batteryPercent)
+        row.details += QStringLiteral("%1 % · ").arg(*mode.batteryPercent);
+    row.details += driverWord(*camera) + QStringLiteral(" · ") +
+                   (gone ? QStringLiteral("not connected") : QStringLiteral("connected")) +
+                   (row.used ? QString() : QStringLiteral(" · not in the script"));
 
     const int fired = countOf(rig_.outcomes().shotCounts(), id);
     const int dropped = countOf(rig_.outcomes().drops(), id);
@@ -99,10 +112,14 @@ CamerasView::Row CamerasView::bodyRow(const rig::CameraRoster::Camera& camera) c
     if (const auto line = lastLines_.find(label); line != lastLines_.end())
         row.lastFrame = line->second;
     if (gone)
-        row.warning = QStringLiteral("Does not answer. Check cable and power, then detect again.");
+        row.warning = rig_.reconnect().downCams().contains(id)
+                          ? QStringLiteral("Lost. Check cable and power; it comes back by itself.")
+                          : QStringLiteral("Does not answer. Check cable and power, then detect again.");
     else if (camera->driveModeBurst() && !camera->singleShotImmuneToDrive())
         row.warning =
             QStringLiteral("The drive dial is on continuous: one press takes a burst. Set it to single.");
+    else if (const std::string dials = rig_.modes().warningOf(id); !dials.empty())
+        row.warning = qt(dials);
     else if (dropped > 0)
         if (const auto last = rig_.outcomes().lastFire().find(id);
             last != rig_.outcomes().lastFire().end() && !last->second.starts_with("✓"))
@@ -173,6 +190,40 @@ void CamerasView::refresh() {
         }
     }
     Q_EMIT changed();
+}
+
+bool CamerasView::detecting() const {
+    return rig_.detector().detecting().get();
+}
+
+QString CamerasView::detectStep() const {
+    return qt(rig_.detector().step().get());
+}
+
+void CamerasView::cancelDetect() {
+    rig_.detector().cancelDetect();
+}
+
+QString CamerasView::alarmText() const {
+    const auto& names = rig_.reconnect().disconnectedNames().get();
+    if (names.empty() || !rig_.reconnect().showDisconnectAlarm().get())
+        return {};
+    QStringList list;
+    for (const std::string& name : names)
+        list.append(qt(name));
+    return list.join(QStringLiteral(", ")) + QStringLiteral(" DISCONNECTED");
+}
+
+QString CamerasView::alarmHint() const {
+    const auto& hint = rig_.reconnect().cameraRecoveryHint().get();
+    return hint ? qt(*hint)
+                : QStringLiteral(
+                      "Check cable and power. It is looked for every 2 s and goes on by itself; the "
+                      "others keep firing.");
+}
+
+void CamerasView::acknowledgeAlarm() {
+    rig_.reconnect().acknowledgeAlarm();
 }
 
 QVariantList CamerasView::catalogue() const {

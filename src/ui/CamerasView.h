@@ -21,6 +21,10 @@ class CamerasView : public QAbstractListModel {
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
     Q_PROPERTY(QString offer READ offer NOTIFY changed)
     Q_PROPERTY(QString nextToken READ nextToken NOTIFY changed)
+    Q_PROPERTY(bool detecting READ detecting NOTIFY changed)
+    Q_PROPERTY(QString detectStep READ detectStep NOTIFY changed)
+    Q_PROPERTY(QString alarmText READ alarmText NOTIFY alarmChanged)
+    Q_PROPERTY(QString alarmHint READ alarmHint NOTIFY alarmChanged)
     Q_PROPERTY(QString undoText READ undoText NOTIFY changed)
 
 public:
@@ -66,6 +70,15 @@ public:
     QString undoText() const;
     Q_INVOKABLE void undoRemove();
 
+    /// The pass that looks for real bodies, and what it does now.
+    bool detecting() const;
+    QString detectStep() const;
+    Q_INVOKABLE void cancelDetect();
+    /// The bodies that are gone, as one line, and what to do about them; empty for none.
+    QString alarmText() const;
+    QString alarmHint() const;
+    Q_INVOKABLE void acknowledgeAlarm();
+
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
@@ -73,6 +86,7 @@ public:
 Q_SIGNALS:
     void changed();
     void removed();
+    void alarmChanged();
 
 private:
     struct Row {

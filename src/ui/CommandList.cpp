@@ -129,6 +129,11 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("simTiming", "Simulated Clock", "", sheet("LeaveLive"), live)
         .add("armReal", "Arm Real Eclipse Clock", "", sheet("Arm"), simulated);
 
+    Menu(commands, "Cameras")
+        .add(
+            "detectCams", "Detect Cameras", "Ctrl+D", [&rig] { rig.detector().detectCameras(); },
+            [&rig] { return !rig.detector().detecting().get(); });
+
     Menu(commands, "Tools").add("revealRunLogs", "Reveal Run Logs", "", [runLogs] {
         QDesktopServices::openUrl(QUrl::fromLocalFile(runLogs));
     });

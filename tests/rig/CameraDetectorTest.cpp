@@ -187,3 +187,18 @@ TEST_F(Detect, aRunThatIsPickedUpGetsItsRealBodiesBackByName) {
     ASSERT_EQ(next.model.roster().camerasFor("LONG").size(), 1U);
     EXPECT_EQ(next.model.roster().camerasFor("LONG")[0]->serial(), "N1");
 }
+
+TEST_F(Detect, aLabelOutlivesTheSessionInTheLibrary) {
+    universal->plugIn("N1", "Nikon Z8");
+    detect();
+    roster.setLabel(*roster.cameras()[0], "WIDE, left"); // a comma does no harm
+    rig.run(1);
+    auto later = std::make_shared<test::ScriptedFamily>();
+    later->plugIn("N1", "Nikon Z8");
+    test::VirtualRig next{rig::RigModel::RealCameras{.families = {later}, .endServices = {}}};
+    next.files.contents = rig.files.contents;
+    next.model.bootstrap();
+    next.model.detector().detectCameras();
+    next.run(5);
+    EXPECT_EQ(next.model.roster().labelFor(*next.model.roster().cameras().at(0)), "WIDE, left");
+}

@@ -48,7 +48,7 @@ void VirtualRig::load(const std::string& script) {
 std::shared_ptr<ScriptedCamera> VirtualRig::addBody(const std::string& label) {
     auto camera = std::make_shared<ScriptedCamera>("id-" + label);
     model.roster().add(camera);
-    model.roster().setLabel(*camera, label);
+    model.roster().setLabelOfSerial(camera->serial(), label);
     return camera;
 }
 

@@ -51,7 +51,7 @@ public:
     void keepAlive();
     /// Ends the session within a limit, by force if it must be. For the end of the program: the camera
     /// fires no more.
-    void shutDown(base::Seconds limit);
+    void shutDown(base::Seconds limit) override;
 
     /// Reads them from the body, and waits for it: up to a minute and a half. Not from a completion.
     ExposureChoices readExposureChoices() override;

@@ -16,6 +16,12 @@ Rectangle {
             Layout.fillWidth: true
             ZLabel { text: cameras.summary; font.weight: Font.Bold; Accessible.role: Accessible.Heading; wrapMode: Text.NoWrap; elide: Text.ElideRight; Layout.fillWidth: true }
             ZButton {
+                objectName: "detect"
+                text: cameras.detecting ? "Cancel" : "Detect"
+                Accessible.name: cameras.detecting ? "Cancel the detection" : "Detect cameras"
+                onClicked: cameras.detecting ? cameras.cancelDetect() : commands.trigger("detectCams")
+            }
+            ZButton {
                 id: addButton
                 text: "+ add"
                 Accessible.name: "Add a simulated body"
@@ -55,6 +61,15 @@ Rectangle {
                     }
                 }
             }
+        }
+
+        ZLabel {
+            Layout.fillWidth: true
+            visible: cameras.detecting
+            text: cameras.detectStep + "…"
+            color: theme.accent
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
         }
 
         RowLayout {

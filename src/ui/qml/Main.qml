@@ -47,6 +47,7 @@ ApplicationWindow {
             anchors.fill: parent
             spacing: 4
 
+            AlarmBar { Layout.fillWidth: true; visible: cameras.alarmText !== "" }
             PromptBar { Layout.fillWidth: true; visible: app.prompt !== "" }
 
             RowLayout {

@@ -1,0 +1,40 @@
+import QtQuick
+import QtQuick.Layouts
+
+// Who is gone and what to do, to be read from a step away. It covers neither countdown nor transport.
+Rectangle {
+    id: bar
+    objectName: "alarmBar"
+    color: theme.panel
+    border.color: theme.bad
+    border.width: 4
+    implicitHeight: row.implicitHeight + 16
+    RowLayout {
+        id: row
+        anchors.fill: parent
+        anchors.margins: 8
+        spacing: 12
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 2
+            Text {
+                Layout.fillWidth: true
+                text: "■ " + cameras.alarmText
+                color: theme.bad
+                font.pixelSize: theme.large * 1.4
+                font.bold: true
+                elide: Text.ElideRight
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: text
+            }
+            ZLabel { Layout.fillWidth: true; text: cameras.alarmHint; maximumLineCount: 2; elide: Text.ElideRight }
+        }
+        ZButton {
+            objectName: "alarmAcknowledge"
+            text: "Seen (Enter)"
+            danger: true
+            onClicked: cameras.acknowledgeAlarm()
+            Accessible.name: "Acknowledge: " + cameras.alarmText
+        }
+    }
+}
