@@ -319,3 +319,16 @@ TEST_F(Window, largeTextIsHeldToWhatTheWindowHasRoomFor) {
     EXPECT_GT(theme.scale(), 1.4);
     EXPECT_EQ(theme.textScale(), 1.6) << "what was asked for is kept for a larger window";
 }
+
+TEST_F(Window, aLostBodyIsToldAcrossTheWindowAndAcknowledgedWithEnter) {
+    const auto body = rig.addBody("CAM7");
+    rig.model.reconnect().flagDisconnect(rig.model.roster().cameras().back());
+    window.settle();
+    EXPECT_TRUE(window.says(QStringLiteral("CAM7 DISCONNECTED")));
+    const QRectF alarm = window.placeOf(window.named("alarmBar"));
+    for (const char* name : {"countdown", "play", "nextShot"})
+        EXPECT_FALSE(alarm.intersects(window.placeOf(window.named(name)))) << name;
+    window.key(Qt::Key_Return);
+    EXPECT_FALSE(window.says(QStringLiteral("CAM7 DISCONNECTED")));
+    EXPECT_TRUE(rig.model.reconnect().downCams().contains(body->id())) << "it is looked for all the same";
+}

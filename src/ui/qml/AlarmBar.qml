@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Window
 import QtQuick.Layouts
 
 // Who is gone and what to do, to be read from a step away. It covers neither countdown nor transport.
@@ -9,6 +10,12 @@ Rectangle {
     border.color: theme.bad
     border.width: 4
     implicitHeight: row.implicitHeight + 16
+    // Enter is to acknowledge it, unless one is typing.
+    onVisibleChanged: {
+        const item = Window.activeFocusItem
+        if (visible && app.sheet === "" && !(item && typeof item.selectAll === "function"))
+            seen.forceActiveFocus()
+    }
     RowLayout {
         id: row
         anchors.fill: parent
@@ -30,6 +37,7 @@ Rectangle {
             ZLabel { Layout.fillWidth: true; text: cameras.alarmHint; maximumLineCount: 2; elide: Text.ElideRight }
         }
         ZButton {
+            id: seen
             objectName: "alarmAcknowledge"
             text: "Seen (Enter)"
             danger: true

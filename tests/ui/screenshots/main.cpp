@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 
 namespace {
@@ -72,6 +73,9 @@ int main(int argc, char** argv) {
     rig.playFrom(rig.model.site().contactTHours().at("C2") * 3600 - 600);
     rig.run(590); // ten seconds before totality
 
+    const auto body = std::make_shared<test::ScriptedCamera>("nikon");
+    rig.model.roster().setLabelOfSerial(body->serial(), "CAM3");
+
     Album album(window, argv[1]);
     album.shoot("prompt");
     window.app().declinePrompt(); // it is eclipse day
@@ -81,6 +85,11 @@ int main(int argc, char** argv) {
             window.theme().choose(QString::fromLatin1(theme));
             const std::string suffix = "-" + std::string(theme) + "-" + std::to_string(size.width());
             album.shoot("dashboard" + suffix);
+            rig.model.roster().add(body);
+            rig.model.reconnect().flagDisconnect(body);
+            album.shoot("alarm" + suffix);
+            rig.model.reconnect().clearDisconnectState();
+            rig.model.roster().setRealCameras({});
             for (const QString& sheet : window.sheets()) {
                 window.app().openSheet(sheet);
                 rig.run(0.001); // what is computed aside arrives
