@@ -152,6 +152,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("openGuide", "Zenka Guide", "", guide("Zenka Guide", "guide.md"))
         .add("openScriptGuide", "Script Language Guide", "",
              guide("Script Language Guide", "script-language.md"))
+        .add("openCameras", "Cameras", "", guide("Cameras", "cameras.md"))
         .add("openFeatures", "Features & Roadmap", "", guide("Features & Roadmap", "roadmap.md"))
         .add("showKeys", "Keys", "F1", [&app, window] { app.openKeys(keysOf(window()->activeFocusItem())); });
 }
