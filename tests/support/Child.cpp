@@ -1,5 +1,6 @@
 #include "support/Child.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -8,6 +9,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <stdexcept>
+#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -32,10 +34,14 @@ Child::Child(std::vector<std::string> words, const std::vector<std::string>& env
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         throw std::runtime_error("no pipe");
     output_ = ends[0];
-    // the first of two entries of one name counts
+    // Of two entries of one name some programs take the first and some the last.
     std::vector<std::string> entries = environment;
-    for (char** entry = environ; *entry; ++entry)
-        entries.emplace_back(*entry);
+    for (char** entry = environ; *entry; ++entry) {
+        const std::string_view inherited(*entry);
+        const auto name = inherited.substr(0, inherited.find('=') + 1);
+        if (std::ranges::none_of(environment, [&](const std::string& own) { return own.starts_with(name); }))
+            entries.emplace_back(inherited);
+    }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
