@@ -182,7 +182,7 @@ void CameraDetector::detectCameras() {
     pass_->say = [&loop, say = lifeline_.guard([this](const std::string& text) { step_.set(text); })](
                      const std::string& text) { loop.post([say, text] { say(text); }); };
     pass_->done = [&loop, weak = std::weak_ptr(pass_),
-                   arrive = lifeline_.guard([this](std::shared_ptr<Pass> pass) {
+                   arrive = lifeline_.guard([this](const std::shared_ptr<Pass>& pass) {
                        endPass();
                        if (!pass->cancelled) // what a cancelled one has connected goes with it
                            publish(*pass);
@@ -206,6 +206,7 @@ void CameraDetector::endPass() {
 
 void CameraDetector::publish(const Pass& pass) {
     std::vector<CameraRoster::Camera> found;
+    found.reserve(pass.found.size());
     for (const auto& make : pass.found)
         found.push_back(make());
     hubs_.clear();

@@ -348,6 +348,7 @@ void ReconnectDesk::publishNames() {
 
 std::string ReconnectDesk::namesDown() const {
     std::vector<std::string> names;
+    names.reserve(downCams_.size());
     for (const auto& [id, body] : downCams_)
         names.push_back(body.label);
     return joined(names);

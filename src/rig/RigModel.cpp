@@ -10,7 +10,7 @@ constexpr base::Seconds exitLimit{2}; ///< for a body to be let go of at the end
 
 } // namespace
 
-RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion, RealCameras real)
+RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion, const RealCameras& real)
     : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
       script_(ports_, log_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
       sleepGuard_(ports_.keepAwake, log_), transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),

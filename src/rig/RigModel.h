@@ -38,7 +38,9 @@ public:
         std::function<void()> endServices; ///< ends the desktop's services that grab cameras; any thread
     };
 
-    RigModel(const ports::Ports& ports, const std::string& appVersion, RealCameras real = {});
+    RigModel(const ports::Ports& ports, const std::string& appVersion, const RealCameras& real);
+    RigModel(const ports::Ports& ports, const std::string& appVersion)
+        : RigModel(ports, appVersion, RealCameras{}) {}
     RigModel(const RigModel&) = delete;
     RigModel& operator=(const RigModel&) = delete;
 

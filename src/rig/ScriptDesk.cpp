@@ -132,8 +132,8 @@ void ScriptDesk::compile() {
 }
 
 void ScriptDesk::compileAside() {
-    const auto arrive =
-        lifeline_.guard([this, number = ++wantedCompile_](std::shared_ptr<script::CompiledScript> result) {
+    const auto arrive = lifeline_.guard(
+        [this, number = ++wantedCompile_](const std::shared_ptr<script::CompiledScript>& result) {
             if (number == wantedCompile_)
                 take(std::move(*result));
         });

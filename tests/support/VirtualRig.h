@@ -19,7 +19,7 @@ class VirtualRig {
 public:
     VirtualRig() : VirtualRig(rig::RigModel::RealCameras{}) {}
     /// With families that lead to real bodies.
-    explicit VirtualRig(rig::RigModel::RealCameras real);
+    explicit VirtualRig(const rig::RigModel::RealCameras& real);
 
     MemoryFiles files;
     MemoryFolders folders;

@@ -29,7 +29,7 @@ void gather(std::string& all, std::string_view piece) {
 std::string nameOfPort(const std::string& port) {
     std::string name = port.empty() ? "none" : port;
     std::ranges::replace_if(
-        name, [](char c) { return !((c >= '0' && c <= '9') || (c >= 'a' && c <= 'z')); }, '-');
+        name, [](char c) { return (c < '0' || c > '9') && (c < 'a' || c > 'z'); }, '-');
     return name;
 }
 
