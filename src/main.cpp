@@ -55,8 +55,7 @@ int runWindow(int argc, char** argv) {
                                      .warn = [&log](const std::string& words) { log(words); }});
     // A maker's family is a line here; the order among them is that of a detection.
     const rig::CameraDetector::Families families{std::make_shared<rig::GPhoto2Family>(gphoto2, machine.usb)};
-    rig::RigModel rig(machine.all, ZENKA_VERSION,
-                      {.families = families, .endServices = [&daemons] { daemons.freeNow(); }});
+    rig::RigModel rig(machine.all, ZENKA_VERSION, families);
     log = [&rig](const std::string& words) { rig.log().pushLog("⚠️ " + words); };
     machine.usb.watch([&rig] { rig.reconnect().busChanged(); });
     const platform::QuitSignals quitSignals([] { QGuiApplication::exit(0); });

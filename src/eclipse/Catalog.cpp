@@ -17,6 +17,10 @@ const std::vector<EclipseRecord>& all() {
     return rows;
 }
 
+bool has(std::string_view id) {
+    return std::ranges::find(all(), id, &EclipseRecord::id) != all().end();
+}
+
 Eclipse eclipse(std::string_view id) {
     const auto found = std::ranges::find(all(), id, &EclipseRecord::id);
     return Eclipse(found == all().end() ? all().front() : *found);

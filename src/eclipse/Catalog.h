@@ -23,6 +23,8 @@ namespace Catalog {
 /// All rows in stored order, parsed once.
 const std::vector<EclipseRecord>& all();
 
+bool has(std::string_view id);
+
 /// The eclipse of an id; an id that is in no row gives the first row.
 Eclipse eclipse(std::string_view id);
 

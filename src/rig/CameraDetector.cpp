@@ -127,15 +127,14 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
 };
 
 CameraDetector::CameraDetector(const ports::Ports& ports, RigLog& log, CameraRoster& roster,
-                               const Transport& transport, DaemonSuppressor& suppressor, Families families)
-    : ports_(ports), log_(log), roster_(roster), transport_(transport), suppressor_(suppressor),
-      families_(std::move(families)), queue_(ports.queues.serial("detect")) {
+                               const Transport& transport, Families families)
+    : ports_(ports), log_(log), roster_(roster), transport_(transport), families_(std::move(families)),
+      queue_(ports.queues.serial("detect")) {
 }
 
 CameraDetector::~CameraDetector() {
     if (pass_) {
         pass_->cancelled = true;
-        suppressor_.stop();
     }
 }
 
@@ -166,7 +165,8 @@ void CameraDetector::detectCameras() {
     passBegan_.emit();
     detecting_.set(true);
     log_.pushLog(beginning);
-    suppressor_.start();
+    for (const auto& family : families_)
+        servicesOff_.push_back(std::make_unique<ServicesOff>(family));
 
     pass_ = std::make_shared<Pass>();
     pass_->families = families_;
@@ -199,7 +199,7 @@ void CameraDetector::cancelDetect() {
 
 void CameraDetector::endPass() {
     pass_.reset();
-    suppressor_.stop();
+    servicesOff_.clear();
     step_.set("");
     detecting_.set(false);
 }

@@ -5,7 +5,6 @@
 #include "ports/Ports.h"
 #include "rig/CameraFamily.h"
 #include "rig/CameraRoster.h"
-#include "rig/DaemonSuppressor.h"
 #include "rig/RigLog.h"
 #include "rig/Transport.h"
 
@@ -24,7 +23,7 @@ public:
     using Families = std::vector<std::shared_ptr<CameraFamily>>;
 
     CameraDetector(const ports::Ports& ports, RigLog& log, CameraRoster& roster, const Transport& transport,
-                   DaemonSuppressor& suppressor, Families families);
+                   Families families);
     ~CameraDetector();
 
     /// Begins a pass. Refused while one runs, and in a run that has real bodies in its hands.
@@ -62,10 +61,10 @@ private:
     RigLog& log_;
     CameraRoster& roster_;
     const Transport& transport_;
-    DaemonSuppressor& suppressor_;
     const Families families_;
     std::shared_ptr<ports::WorkQueue> queue_;
     std::shared_ptr<Pass> pass_;
+    std::vector<std::unique_ptr<ServicesOff>> servicesOff_; // while a pass runs
     std::map<std::string, std::string> hubs_;
     base::Published<bool> detecting_{false};
     base::Published<std::string> step_;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zenka::rig {
@@ -86,8 +87,24 @@ public:
     /// Its look at the bus has never come back: what the operator can do; empty else. Any thread.
     virtual std::string stuckAdvice() const { return {}; }
 
-    /// Whether its claims need the desktop's camera services to be kept away.
-    virtual bool needsSuppressor() const { return false; }
+    /// Counted: as long as anybody holds them off, the desktop's camera services are kept away from its
+    /// bodies. Neither waits.
+    virtual void holdServicesOff() {}
+    virtual void letServicesOn() {}
+};
+
+/// Keeps the desktop's camera services away from the bodies of a family for its own life.
+class ServicesOff {
+public:
+    explicit ServicesOff(std::shared_ptr<CameraFamily> family) : family_(std::move(family)) {
+        family_->holdServicesOff();
+    }
+    ServicesOff(const ServicesOff&) = delete;
+    ServicesOff& operator=(const ServicesOff&) = delete;
+    ~ServicesOff() { family_->letServicesOn(); }
+
+private:
+    const std::shared_ptr<CameraFamily> family_;
 };
 
 } // namespace zenka::rig

@@ -20,7 +20,8 @@ public:
     MakeDriver connect(const FoundBody& body, const Tell& tell) override;
     std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) override;
     int pollsBetweenScans() const override { return 3; }
-    bool needsSuppressor() const override { return true; }
+    void holdServicesOff() override { program_.machine().daemons.hold(); }
+    void letServicesOn() override { program_.machine().daemons.release(); }
 
 private:
     bool usable(const Tell& tell);

@@ -29,10 +29,9 @@ std::string joined(const std::vector<std::string>& names) {
 } // namespace
 
 ReconnectDesk::ReconnectDesk(const ports::Ports& ports, RigLog& log, CameraRoster& roster,
-                             RunLogbook& logbook, const Transport& transport, DaemonSuppressor& suppressor,
-                             Families families)
+                             RunLogbook& logbook, const Transport& transport, Families families)
     : ports_(ports), log_(log), roster_(roster), logbook_(logbook), transport_(transport),
-      suppressor_(suppressor), families_(std::move(families)), queue_(ports.queues.serial("reconnect")) {
+      families_(std::move(families)), queue_(ports.queues.serial("reconnect")) {
 }
 
 CameraRoster::Camera ReconnectDesk::cameraOf(const std::string& id) const {
@@ -137,8 +136,7 @@ void ReconnectDesk::startReconnectLoop() {
 void ReconnectDesk::stopReconnectLoop() {
     ports_.loop.cancel(reconnectTimer_);
     reconnectTimer_ = ports::MainLoop::TimerId::none;
-    if (std::exchange(reconnectSuppressing_, false))
-        suppressor_.stop();
+    servicesOff_.clear();
 }
 
 void ReconnectDesk::busChanged() {
@@ -219,7 +217,6 @@ void ReconnectDesk::scan(bool busHasChanged) {
         std::vector<DownBody> bodies;
     };
     std::vector<Look> looks;
-    bool suppress = false;
     for (const auto& family : families_) {
         // The first poll of each round of so many.
         if (const int between = family->pollsBetweenScans();
@@ -234,13 +231,11 @@ void ReconnectDesk::scan(bool busHasChanged) {
         }
         if (look.bodies.empty())
             continue;
-        suppress = suppress || family->needsSuppressor();
+        servicesOff_.try_emplace(family->backend(), family);
         looks.push_back(std::move(look));
     }
     if (looks.empty())
         return;
-    if (suppress && !std::exchange(reconnectSuppressing_, true))
-        suppressor_.start();
     // What another driver holds still must be let go of first.
     for (const Look& look : looks) {
         for (const DownBody& body : look.bodies) {

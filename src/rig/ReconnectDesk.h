@@ -5,7 +5,6 @@
 #include "ports/Ports.h"
 #include "rig/CameraFamily.h"
 #include "rig/CameraRoster.h"
-#include "rig/DaemonSuppressor.h"
 #include "rig/RigLog.h"
 #include "rig/RunLogbook.h"
 #include "rig/Transport.h"
@@ -28,7 +27,7 @@ public:
     using Families = std::vector<std::shared_ptr<CameraFamily>>;
 
     ReconnectDesk(const ports::Ports& ports, RigLog& log, CameraRoster& roster, RunLogbook& logbook,
-                  const Transport& transport, DaemonSuppressor& suppressor, Families families);
+                  const Transport& transport, Families families);
 
     /// A body no longer answers: alarm, and it is looked for.
     void flagDisconnect(const CameraRoster::Camera& camera);
@@ -90,7 +89,6 @@ private:
     CameraRoster& roster_;
     RunLogbook& logbook_;
     const Transport& transport_;
-    DaemonSuppressor& suppressor_;
     const Families families_;
     std::shared_ptr<ports::WorkQueue> queue_;
 
@@ -114,7 +112,7 @@ private:
     bool wedgeGuided_ = false;
     bool reconnectInFlight_ = false;
     int generation_ = 0; // counts up when all is forgotten: an answer from before is void
-    bool reconnectSuppressing_ = false;
+    std::map<std::string, ServicesOff> servicesOff_; // by backend, from its first look on
     int falseAlarms_ = 0;
 
     sigc::signal<void(const std::string&)> spoken_;

@@ -10,7 +10,8 @@ constexpr base::Seconds exitLimit{2}; ///< for a body to be let go of at the end
 
 } // namespace
 
-RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion, const RealCameras& real)
+RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
+                   const CameraDetector::Families& families)
     : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
       script_(ports_, log_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
       sleepGuard_(ports_.keepAwake, log_), transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
@@ -18,11 +19,9 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion, con
       outcomes_(ports_, log_, site_, roster_, logbook_, transport_),
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
       manualFire_(ports_, outcomes_), library_(ports_.files, ports_.folders, ports_.queues),
-      modes_(log_, roster_), suppressor_(
-                                 ports_.queues, real.endServices ? real.endServices : [] {}),
-      detector_(ports_, log_, roster_, transport_, suppressor_, real.families),
-      reconnect_(ports_, log_, roster_, logbook_, transport_, suppressor_, real.families),
-      announcer_(log_, script_), renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
+      modes_(log_, roster_), detector_(ports_, log_, roster_, transport_, families),
+      reconnect_(ports_, log_, roster_, logbook_, transport_, families), announcer_(log_, script_),
+      renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
       fireClock_(
           ports_, log_, transport_, [this](double dt) { advance(dt); }, [this] { return nextDue(); }) {
     site_.recomputed().connect([this] {

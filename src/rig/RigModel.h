@@ -6,7 +6,6 @@
 #include "rig/BodyModes.h"
 #include "rig/CameraDetector.h"
 #include "rig/CameraRoster.h"
-#include "rig/DaemonSuppressor.h"
 #include "rig/ExposureControl.h"
 #include "rig/FireClock.h"
 #include "rig/FireLoop.h"
@@ -23,7 +22,6 @@
 #include "rig/SleepGuard.h"
 #include "rig/Transport.h"
 
-#include <functional>
 #include <string>
 
 namespace zenka::rig {
@@ -32,15 +30,9 @@ namespace zenka::rig {
 /// belongs to the main thread. The ports outlive it.
 class RigModel {
 public:
-    /// What leads to real bodies; without it the rig has simulated ones alone.
-    struct RealCameras {
-        CameraDetector::Families families;
-        std::function<void()> endServices; ///< ends the desktop's services that grab cameras; any thread
-    };
-
-    RigModel(const ports::Ports& ports, const std::string& appVersion, const RealCameras& real);
-    RigModel(const ports::Ports& ports, const std::string& appVersion)
-        : RigModel(ports, appVersion, RealCameras{}) {}
+    /// The families lead to real bodies; without them the rig has simulated ones alone.
+    RigModel(const ports::Ports& ports, const std::string& appVersion,
+             const CameraDetector::Families& families = {});
     RigModel(const RigModel&) = delete;
     RigModel& operator=(const RigModel&) = delete;
 
@@ -71,7 +63,6 @@ public:
     ManualFire& manualFire() { return manualFire_; }
     const cameras::CameraLibrary& library() const { return library_; }
     BodyModes& modes() { return modes_; }
-    DaemonSuppressor& suppressor() { return suppressor_; }
     CameraDetector& detector() { return detector_; }
     ReconnectDesk& reconnect() { return reconnect_; }
     Announcer& announcer() { return announcer_; }
@@ -101,7 +92,6 @@ private:
     ManualFire manualFire_;
     cameras::CameraLibrary library_;
     BodyModes modes_;
-    DaemonSuppressor suppressor_;
     CameraDetector detector_;
     ReconnectDesk reconnect_;
     Announcer announcer_;

@@ -21,10 +21,6 @@ absl::CivilDay dayOf(base::Instant instant, const absl::TimeZone& zone) {
     return absl::CivilDay(base::civilTime(instant, zone));
 }
 
-bool inCatalogue(const std::string& id) {
-    return std::ranges::any_of(eclipse::Catalog::all(), [&](const auto& row) { return row.id == id; });
-}
-
 base::Instant referenceInstant(const eclipse::Eclipse& eclipse) {
     return eclipse.utc(0);
 }
@@ -86,7 +82,7 @@ void RunKeeper::checkForResumableRun() {
     const RunStateStore::Loaded loaded = store_.load();
     const auto& state = loaded.state;
     const base::Instant now = ports_.clock.now();
-    const bool strange = state && !inCatalogue(state->eclipseId);
+    const bool strange = state && !eclipse::Catalog::has(state->eclipseId);
     if (loaded.damaged || strange)
         log_.pushLog(
             "⚠️ The record of the last run could not be read, so it cannot be picked up. Check site, "

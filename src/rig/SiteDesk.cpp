@@ -19,10 +19,6 @@ namespace {
 
 constexpr char defaultEclipseId[] = "2026-08-12";
 
-bool inCatalogue(const std::string& id) {
-    return std::ranges::any_of(eclipse::Catalog::all(), [&](const auto& row) { return row.id == id; });
-}
-
 struct RememberedSite {
     Site site;
     bool confirmed = false;
@@ -94,7 +90,7 @@ absl::TimeZone SiteDesk::timeZone() const {
 
 void SiteDesk::restore() {
     const auto id = ports_.settings.text(settingsKeys::selectedEclipse);
-    if (id && inCatalogue(*id))
+    if (id && eclipse::Catalog::has(*id))
         useEclipse(*id);
     else if (id)
         log_.pushLog("⚠️ The settings name an eclipse that is not in the catalogue: \"" + *id +
@@ -115,7 +111,7 @@ void SiteDesk::confirmLocation(bool confirmed) {
 }
 
 void SiteDesk::choose(const std::string& eclipseId, Site site) {
-    if (!inCatalogue(eclipseId))
+    if (!eclipse::Catalog::has(eclipseId))
         return;
     useEclipse(eclipseId);
     setSite(std::move(site));
@@ -127,7 +123,7 @@ void SiteDesk::useEclipse(const std::string& id) {
 }
 
 void SiteDesk::selectEclipse(const std::string& id) {
-    if (id == eclipseId() || !inCatalogue(id))
+    if (id == eclipseId() || !eclipse::Catalog::has(id))
         return;
     rememberSite();
     useEclipse(id);

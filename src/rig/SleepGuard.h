@@ -16,14 +16,14 @@ public:
     /// Takes the state that the run is in now.
     void update(bool live, bool playing);
 
-    /// Whether sleep is being held off, as far as the desktop lets it.
-    const base::Published<bool>& holding() const { return holding_; }
+    /// Sleep is held off, as far as the desktop lets it: for a live run or for another; absent while it is
+    /// not.
+    const base::Published<std::optional<bool>>& heldForLive() const { return heldForLive_; }
 
 private:
     ports::KeepAwake& keepAwake_;
     RigLog& log_;
-    std::optional<bool> heldForLive_; // absent while nothing is held
-    base::Published<bool> holding_{false};
+    base::Published<std::optional<bool>> heldForLive_;
 };
 
 } // namespace zenka::rig

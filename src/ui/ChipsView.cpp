@@ -8,12 +8,12 @@
 namespace zenka::ui {
 
 ChipsView::ChipsView(rig::RigModel& rig, QObject* parent) : QObject(parent), rig_(rig) {
-    observe(this, rig.sleepGuard().holding().changed(), [this](bool) { Q_EMIT changed(); });
+    observe(this, rig.sleepGuard().heldForLive().changed(), [this](const auto&) { Q_EMIT changed(); });
 }
 
 QVariantList ChipsView::rows() const {
     QVariantList rows;
-    if (rig_.sleepGuard().holding().get())
+    if (rig_.sleepGuard().heldForLive().get())
         rows.append(QVariantMap{
             {QStringLiteral("symbol"), QStringLiteral("☼")},
             {QStringLiteral("text"), QStringLiteral("awake")},

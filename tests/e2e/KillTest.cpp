@@ -1,4 +1,5 @@
 #include "support/Child.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,7 @@
 
 namespace fs = std::filesystem;
 using zenka::test::Child;
+using zenka::test::TempFolder;
 
 namespace {
 
@@ -74,20 +76,17 @@ TEST(Kill, noRowThatTheOperatorReadOfIsLost) {
     // Ten at a time, since most of the time goes in waiting for the runs to begin.
     for (int done = 0; done < kills;) {
         struct Victim {
+            TempFolder folder; // goes after the run
             std::unique_ptr<Child> run;
             std::string output;
-            fs::path folder;
             double dies = 0;
             int linesBefore = 0; // read by the grace period before its end
             bool counted = false;
         };
         std::vector<Victim> victims(static_cast<std::size_t>(std::min(10, kills - done)));
         for (Victim& victim : victims) {
-            std::string name = fs::temp_directory_path() / "zenka o'kill XXXXXX";
-            ASSERT_NE(mkdtemp(name.data()), nullptr);
-            victim.folder = name;
-            victim.run =
-                std::make_unique<Child>(std::vector<std::string>{ZENKA_LIVE_RUN_CHILD, name, "400", "0.02"});
+            victim.run = std::make_unique<Child>(
+                std::vector<std::string>{ZENKA_LIVE_RUN_CHILD, victim.folder.path(), "400", "0.02"});
             victim.dies = now() + moment(random);
             ++done;
         }
@@ -109,7 +108,7 @@ TEST(Kill, noRowThatTheOperatorReadOfIsLost) {
             }
         }
         for (Victim& victim : victims) {
-            std::string csv = onlyCsvBelow(victim.folder);
+            std::string csv = onlyCsvBelow(victim.folder.path());
             // The kernel may break off even a small write where it crosses a page, so the row that is being
             // written at the kill may be cut. It counts for nothing.
             const auto whole = csv.rfind('\n') + 1;
@@ -119,7 +118,6 @@ TEST(Kill, noRowThatTheOperatorReadOfIsLost) {
             EXPECT_GE(rows, victim.linesBefore);
             EXPECT_EQ(rows, countLines(csv, ",ok,"));
             rowsInAll += rows;
-            fs::remove_all(victim.folder);
         }
     }
     EXPECT_GT(rowsInAll, 20 * kills) << "the runs were really under way";
@@ -132,8 +130,8 @@ TEST(Kill, noRowThatTheOperatorReadOfIsLost) {
 TEST(Kill, aKilledLiveRunGoesOnWhereTheClockIs) {
     std::mt19937 random(std::random_device{}());
     for (int i = 0; i < 3; ++i) {
-        std::string name = fs::temp_directory_path() / "zenka o'resume XXXXXX";
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
+        const TempFolder folder;
+        const std::string name = folder.path();
         std::string before;
         {
             Child killed({ZENKA_LIVE_RUN_CHILD, name, "200", "0.05"});
@@ -156,6 +154,5 @@ TEST(Kill, aKilledLiveRunGoesOnWhereTheClockIs) {
         ASSERT_EQ(runs.size(), 2U) << "the old log stands, and a new one begins";
         ASSERT_FALSE(runs[0].empty() || runs[1].empty());
         EXPECT_GT(std::ranges::min(runs[1]), std::ranges::max(runs[0])) << "no frame twice";
-        fs::remove_all(name);
     }
 }

@@ -1,10 +1,10 @@
 #include "support/Child.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -18,14 +18,8 @@ namespace {
 
 /// The window of the program itself, without a screen.
 struct Quit : testing::Test {
-    fs::path home;
-
-    void SetUp() override {
-        std::string name = fs::temp_directory_path() / "zenka o'home XXXXXX";
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        home = name;
-    }
-    void TearDown() override { fs::remove_all(home); }
+    zenka::test::TempFolder folder;
+    const fs::path& home = folder.path();
 
     std::unique_ptr<Child> start() const {
         return std::make_unique<Child>(

@@ -1,8 +1,8 @@
 #include "support/Child.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -12,14 +12,8 @@ using zenka::test::Child;
 namespace {
 
 struct Switches : testing::Test {
-    fs::path home;
-
-    void SetUp() override {
-        std::string name = fs::temp_directory_path() / "zenka o'home XXXXXX";
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        home = name;
-    }
-    void TearDown() override { fs::remove_all(home); }
+    zenka::test::TempFolder folder;
+    const fs::path& home = folder.path();
 
     struct Result {
         std::string output;

@@ -78,11 +78,6 @@ int runChildJob(const std::vector<std::string>& words) {
     return 2;
 }
 
-bool childless() {
-    siginfo_t info{};
-    return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) < 0 && errno == ECHILD;
-}
-
 std::vector<std::string> childJob(std::vector<std::string> words) {
     words.insert(words.begin(), {std::filesystem::read_symlink("/proc/self/exe").string(), "--child"});
     return words;

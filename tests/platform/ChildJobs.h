@@ -13,7 +13,4 @@ int runChildJob(const std::vector<std::string>& words);
 /// The same program again, doing a job.
 std::vector<std::string> childJob(std::vector<std::string> words);
 
-/// Whether this process has no child, ended ones included.
-bool childless();
-
 } // namespace zenka::test

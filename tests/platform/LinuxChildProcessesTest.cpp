@@ -4,8 +4,8 @@
 #include "platform/ChildJobs.h"
 #include "platform/LinuxFiles.h"
 #include "platform/LinuxProcessTable.h"
-#include "platform/Scratch.h"
 #include "platform/Waiting.h"
+#include "support/TempFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -187,7 +187,7 @@ TEST_F(LinuxChildProcessesTest, aKillFromAnotherThreadEndsAWait) {
 }
 
 TEST_F(LinuxChildProcessesTest, whatCannotBeStartedIsToldInTheSystemsWords) {
-    const test::Scratch scratch;
+    const test::TempFolder scratch;
     const fs::path file = scratch.path() / "no program";
     ASSERT_TRUE(LinuxFiles().writeAtomically(file, "text"));
     const auto fault = [](const std::string& program, const std::string& argument = {}) {

@@ -2,7 +2,7 @@
 
 #include "base/Text.h"
 #include "platform/ChildJobs.h"
-#include "platform/Scratch.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ protected:
         return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), {}));
     }
 
-    test::Scratch scratch_;
+    test::TempFolder scratch_;
     LinuxFiles files_;
 };
 

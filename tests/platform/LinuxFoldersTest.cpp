@@ -3,8 +3,8 @@
 #include "platform/LinuxClock.h"
 #include "platform/LinuxFiles.h"
 #include "platform/QtSettings.h"
-#include "platform/Scratch.h"
 #include "platform/ThreadWorkQueues.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ private:
 };
 
 TEST(LinuxFolders, theyFollowTheUsersXdgSettings) {
-    const test::Scratch scratch;
+    const test::TempFolder scratch;
     const fs::path home = scratch.path();
     Environment environment;
     environment.set("HOME", home);
@@ -60,7 +60,7 @@ TEST(LinuxFolders, theyFollowTheUsersXdgSettings) {
 }
 
 TEST(LinuxFolders, theSettingsStandInTheUsersConfigurationFolder) {
-    const test::Scratch scratch;
+    const test::TempFolder scratch;
     Environment environment;
     environment.set("XDG_CONFIG_HOME", scratch.path());
     ThreadWorkQueues queues;

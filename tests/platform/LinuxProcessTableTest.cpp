@@ -3,8 +3,8 @@
 #include "platform/ChildJobs.h"
 #include "platform/LinuxChildProcesses.h"
 #include "platform/LinuxFiles.h"
-#include "platform/Scratch.h"
 #include "platform/Waiting.h"
+#include "support/TempFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -51,7 +51,7 @@ protected:
 
     static fs::path procOf(int id) { return "/proc/" + std::to_string(id); }
 
-    test::Scratch scratch_;
+    test::TempFolder scratch_;
     LinuxProcessTable table_;
 };
 

@@ -3,8 +3,8 @@
 #include "base/Text.h"
 #include "platform/ChildJobs.h"
 #include "platform/LinuxFiles.h"
-#include "platform/Scratch.h"
 #include "platform/Waiting.h"
+#include "support/TempFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -38,7 +38,7 @@ protected:
     }
     std::string content(const fs::path& path) { return LinuxFiles().read(path).value_or(""); }
 
-    test::Scratch scratch_;
+    test::TempFolder scratch_;
 };
 
 TEST_F(LinuxStallSamplerTest, aSampleShowsWhatAStalledThreadIsDoingAndLeavesNoChild) {

@@ -1,9 +1,9 @@
 #include "platform/QtSettings.h"
 
 #include "platform/LinuxFiles.h"
-#include "platform/Scratch.h"
 #include "platform/ThreadWorkQueues.h"
 #include "platform/Waiting.h"
+#include "support/TempFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -50,7 +50,7 @@ private:
 
 class QtSettingsTest : public testing::Test {
 protected:
-    test::Scratch scratch_;
+    test::TempFolder scratch_;
     fs::path file_ = scratch_.path() / "config folder" / "zenka.conf";
     ThreadWorkQueues queues_;
     LinuxFiles files_;

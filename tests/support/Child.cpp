@@ -97,4 +97,9 @@ int Child::wait() {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+bool childless() {
+    siginfo_t info{};
+    return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) < 0 && errno == ECHILD;
+}
+
 } // namespace zenka::test

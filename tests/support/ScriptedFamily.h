@@ -25,6 +25,7 @@ public:
     std::string fallback;
     std::string stuck;
     int between = 1;
+    int holds = 0;                  ///< of the desktop's services, kept away
     std::string takesModel;         ///< empty: all
     std::vector<std::string> calls; ///< in order, shared by the families of a test where it wants so
     std::vector<std::string>* shared = nullptr;
@@ -80,7 +81,8 @@ public:
     }
     int pollsBetweenScans() const override { return between; }
     std::string stuckAdvice() const override { return stuck; }
-    bool needsSuppressor() const override { return true; }
+    void holdServicesOff() override { ++holds; }
+    void letServicesOn() override { --holds; }
 
     int count(const std::string& call) const { return static_cast<int>(std::ranges::count(calls, call)); }
 

@@ -33,8 +33,8 @@ int MemoryFiles::count(const std::string& ending) const {
         contents, [&](const auto& file) { return file.first.string().ends_with(ending); }));
 }
 
-VirtualRig::VirtualRig(const rig::RigModel::RealCameras& real)
-    : machine(anHourBefore(), folders, files, places, http), model(machine.all, "9.9", real) {
+VirtualRig::VirtualRig(const rig::CameraDetector::Families& families)
+    : machine(anHourBefore(), folders, files, places, http), model(machine.all, "9.9", families) {
     model.log().lineAdded().connect([this](const std::string& line) { lines.push_back(line); });
     model.recompute();
     model.fireClock().startClock();

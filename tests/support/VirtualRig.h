@@ -17,9 +17,9 @@ namespace zenka::test {
 /// reference instant of the eclipse, so that a live run can be armed.
 class VirtualRig {
 public:
-    VirtualRig() : VirtualRig(rig::RigModel::RealCameras{}) {}
+    VirtualRig() : VirtualRig(rig::CameraDetector::Families{}) {}
     /// With families that lead to real bodies.
-    explicit VirtualRig(const rig::RigModel::RealCameras& real);
+    explicit VirtualRig(const rig::CameraDetector::Families& families);
 
     MemoryFiles files;
     MemoryFolders folders;

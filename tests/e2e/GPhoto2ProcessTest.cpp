@@ -1,6 +1,9 @@
 // Sessions with real child processes: a gphoto2 that misbehaves, and the distribution's own.
-#include "GPhoto2Bench.h"
-#include "support/RealChildren.h"
+#include "cameras/GPhoto2Bench.h"
+#include "platform/LinuxChildProcesses.h"
+#include "platform/LinuxClock.h"
+#include "support/Child.h"
+#include "support/TempFolder.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -16,26 +19,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class RealClock final : public ports::Clock {
-public:
-    base::Instant now() const override { return {uptimeSeconds()}; }
-    double continuousSeconds() const override { return uptimeSeconds(); }
-    double uptimeSeconds() const override {
-        return Seconds(std::chrono::steady_clock::now().time_since_epoch()).count();
-    }
-};
-
 struct GPhoto2ProcessTest : testing::Test {
     test::GPhoto2Bench bench; // its loop, queues and settings
-    test::RealChildren children;
-    RealClock clock;
-    fs::path root = fs::temp_directory_path() / ("zenka gphoto2 \"" + std::to_string(::getpid()));
+    platform::LinuxChildProcesses children;
+    platform::LinuxClock clock;
+    test::TempFolder made;
+    fs::path root = made.path();
 
     ~GPhoto2ProcessTest() override {
         ::unsetenv("FAKE_GPHOTO2");
-        std::error_code ignored;
-        fs::remove_all(root, ignored);
-        EXPECT_TRUE(test::RealChildren::none()) << "a child or a zombie is left";
+        EXPECT_TRUE(test::childless()) << "a child or a zombie is left";
     }
 
     GPhoto2Machine machine() {
@@ -121,7 +114,7 @@ TEST_F(GPhoto2ProcessTest, aHungShotTimesOutAndTheChildIsGoneAfterwards) {
             session.stop();
         });
         EXPECT_LT(took, 10) << scenario;
-        EXPECT_TRUE(test::RealChildren::none()) << scenario;
+        EXPECT_TRUE(test::childless()) << scenario;
     }
 }
 
