@@ -219,12 +219,15 @@ void ReconnectDesk::scan(bool busHasChanged) {
     std::vector<Look> looks;
     for (const auto& family : families_) {
         // The first poll of each round of so many.
-        if (const int between = family->pollsBetweenScans();
-            !busHasChanged && between > 1 && reconnectPolls_ % between != 1)
+        const int between = family->pollsBetweenScans();
+        if (!busHasChanged && between > 1 && reconnectPolls_ % between != 1)
             continue;
+        // The slow lane is served by the first look from its 15th poll on.
+        const bool slowLaneOpen =
+            reconnectPolls_ >= slowLanePolls && reconnectPolls_ % slowLanePolls < between;
         Look look{.family = family, .bodies = {}};
         for (const auto& [id, body] : downCams_) {
-            const bool slow = slowLaneCams_.contains(id) && reconnectPolls_ % slowLanePolls != 0;
+            const bool slow = slowLaneCams_.contains(id) && !slowLaneOpen;
             if (body.backend == family->backend() && !slow && !standDownProbing_.contains(id) &&
                 !body.serial.empty())
                 look.bodies.push_back(body);

@@ -165,6 +165,24 @@ TEST_F(Reconnect, aBodyThatDropsSoonAfterEachRebindGetsTheSlowLane) {
         std::ranges::count(spoken, "CAM1 is flapping. Power-cycle it. I will rebind it automatically."));
 }
 
+TEST_F(Reconnect, theSlowLaneIsServedInAFamilyThatLooksOnEveryThirdPollOnly) {
+    family->between = 3;
+    run(1);
+    flag(1);
+    for (int strike = 1; strike <= 3; ++strike) {
+        for (int second = 0; second < 20 && rig.countLines("RECONNECTED") < strike; ++second)
+            rig.run(1);
+        ASSERT_EQ(rig.countLines("RECONNECTED"), strike);
+        rig.run(4);
+        flag(1);
+    }
+    ASSERT_TRUE(rig.logged("keeps reconnecting then dropping (flapping)"));
+    rig.run(28);
+    EXPECT_EQ(rig.countLines("RECONNECTED"), 3);
+    rig.run(8);
+    EXPECT_EQ(rig.countLines("RECONNECTED"), 4);
+}
+
 TEST_F(Reconnect, bodiesThatDropTogetherGetOneMessageAboutPower) {
     run(3);
     desk.setHubs({{"N1", "1-4"}, {"N2", "1-4"}, {"N3", "2-1"}});
