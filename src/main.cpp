@@ -6,6 +6,10 @@
 #include "platform/QuitSignals.h"
 #include "rig/GPhoto2Family.h"
 #include "rig/RigModel.h"
+#include "rig/SettingsKeys.h"
+#include "services/ModelStatsFetch.h"
+#include "services/ServiceAddress.h"
+#include "services/UpdateCheck.h"
 #include "ui/Window.h"
 
 #include <QGuiApplication>
@@ -39,6 +43,9 @@ int runWindow(int argc, char** argv) {
     QGuiApplication::setDesktopFileName(QStringLiteral("zenka"));
     platform::ThreadWorkQueues settingsQueues;
     platform::QtSettings settings(settingsQueues);
+    for (const char* key :
+         {services::serviceHostKey, services::updateAddressKey, rig::settingsKeys::elevationHost})
+        settings.letEnvironmentRule(key);
     platform::LinuxFolders folders;
     platform::LinuxPorts machine(settings, folders);
     cameras::CameraDaemons daemons(machine.processes, machine.queues);
@@ -56,8 +63,13 @@ int runWindow(int argc, char** argv) {
     // A maker's family is a line here; the order among them is that of a detection.
     const rig::CameraDetector::Families families{std::make_shared<rig::GPhoto2Family>(gphoto2, machine.usb)};
     rig::RigModel rig(machine.all, ZENKA_VERSION, families);
+    services::ModelStatsFetch statistics(machine.all, gphoto2.modelStats());
+    statistics.primeModelStats();
     log = [&rig](const std::string& words) { rig.log().pushLog("⚠️ " + words); };
-    machine.usb.watch([&rig] { rig.reconnect().busChanged(); });
+    machine.usb.watch([&rig] {
+        rig.reconnect().busChanged();
+        rig.heldSessions().lookForGone();
+    });
     const platform::QuitSignals quitSignals([] { QGuiApplication::exit(0); });
     ui::Window window(rig, machine.all, QStringLiteral(ZENKA_VERSION));
     if (const auto damage = settings.damage())

@@ -74,6 +74,11 @@ public:
     /// Stops using the body.
     virtual void disconnect() = 0;
 
+    /// Lets go of the link until resume(), for a search that may end with another driver for the body or
+    /// with none. A driver that cannot take its link up again stops using the body.
+    virtual void suspend() { disconnect(); }
+    virtual void resume() {}
+
     /// Ends everything that it holds, within a limit, for the end of the program.
     virtual void shutDown(base::Seconds) { disconnect(); }
 
@@ -85,6 +90,12 @@ public:
 
     virtual void probe(std::function<void(const CameraStatus&)> done) { done({}); }
     virtual void probeAutoISO(std::function<void(const AutoIsoStatus&)> done) { done({}); }
+
+    /// Asks for a sign of life where the driver holds a link that would go to sleep without.
+    virtual void keepAlive() {}
+
+    /// Where the body is plugged in, as its family names it: "usb:001,004". Empty where it is not known.
+    virtual std::string port() const { return {}; }
 
     /// False for a body that exists in the program only.
     virtual bool isReal() const { return true; }

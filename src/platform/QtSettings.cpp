@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QSettings>
 
+#include <cstdlib>
 #include <mutex>
 
 namespace zenka::platform {
@@ -121,7 +122,20 @@ void QtSettings::load(const fs::path& file) {
         change(key, value);
 }
 
+void QtSettings::letEnvironmentRule(const std::string& key) {
+    std::string variable;
+    for (const char c : key) {
+        if (c >= 'A' && c <= 'Z')
+            variable += '_';
+        variable += c == '.' ? '_' : static_cast<char>(QChar::toUpper(static_cast<char32_t>(c)));
+    }
+    if (const char* value = std::getenv(variable.c_str()))
+        ruling_[key] = value;
+}
+
 std::optional<std::string> QtSettings::text(const std::string& key) const {
+    if (const auto ruling = ruling_.find(key); ruling != ruling_.end())
+        return ruling->second;
     const auto found = values_.find(key);
     return found == values_.end() ? std::nullopt : std::optional(found->second);
 }

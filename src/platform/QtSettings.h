@@ -39,6 +39,10 @@ public:
 
     void remove(const std::string& key) override;
 
+    /// Lets an environment variable rule over a key where there is one: ZENKA_SERVICE_HOST over
+    /// "zenka.serviceHost". What is set while it rules counts once it is gone.
+    void letEnvironmentRule(const std::string& key);
+
     /// What was wrong with the file when it was read, as a sentence.
     std::optional<std::string> damage() const { return damage_; }
 
@@ -52,6 +56,7 @@ private:
     void change(const std::string& key, std::optional<std::string> value);
 
     std::map<std::string, std::string> values_;
+    std::map<std::string, std::string> ruling_; // from the environment
     std::optional<std::string> damage_;
     std::shared_ptr<Writer> writer_;
     std::shared_ptr<ports::WorkQueue> queue_;

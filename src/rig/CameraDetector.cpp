@@ -21,7 +21,7 @@ constexpr char beginning[] = "Detecting cameras (LUMIX-PTP + Sony native SDK + u
 constexpr char nothingFound[] =
     "No camera found. Connect a body in PC / PTP (tether) mode and quit any vendor tether app (LUMIX Tether, "
     "Imaging Edge, EOS Utility, etc.), then Detect.";
-constexpr char sonyOnFallback[] =
+constexpr char sonyFallbackAdvice[] =
     "⚠️ A Sony is on the fallback (universal) driver, which is slow and can spray a burst on a single "
     "fire. "
     "For full-speed native control, set the camera's USB connection mode to Remote Shooting (older bodies "
@@ -96,8 +96,12 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
     }
 
     void takeTheRest() {
-        if (const auto universal = universalFamily())
-            connectAll(*universal, listed);
+        if (const auto universal = universalFamily()) {
+            const std::vector<FoundBody> left = connectAll(*universal, listed);
+            sonyOnFallback = std::ranges::any_of(listed, [&](const FoundBody& body) {
+                return body.isSony && std::ranges::find(left, body) == left.end();
+            });
+        }
         done();
     }
 
@@ -124,6 +128,7 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
 
     std::vector<FoundBody> listed; ///< and not taken yet
     std::vector<FoundBody> seen;
+    bool sonyOnFallback = false;
 };
 
 CameraDetector::CameraDetector(const ports::Ports& ports, RigLog& log, CameraRoster& roster,
@@ -173,8 +178,8 @@ void CameraDetector::detectCameras() {
     pass_->queue = queue_;
     step_.set("Letting go of the bodies from before");
     for (const auto& camera : roster_.cameras()) {
-        if (const auto family = familyOf(camera->backend()))
-            family->release(camera);
+        if (camera->isReal())
+            camera->suspend();
     }
     ports::MainLoop& loop = ports_.loop;
     pass_->tell = [&loop, tell = lifeline_.guard([this](const std::string& text) { log_.pushLog(text); })](
@@ -184,8 +189,11 @@ void CameraDetector::detectCameras() {
     pass_->done = [&loop, weak = std::weak_ptr(pass_),
                    arrive = lifeline_.guard([this](const std::shared_ptr<Pass>& pass) {
                        endPass();
-                       if (!pass->cancelled) // what a cancelled one has connected goes with it
+                       if (!pass->cancelled)
                            publish(*pass);
+                       else // what it has connected goes with it, and those of before are back
+                           for (const auto& camera : roster_.cameras())
+                               camera->resume();
                    })] { loop.post([arrive, pass = weak.lock()] { arrive(pass); }); };
     pass_->then(afterRelease, &Pass::askThoseThatWorkAlone);
 }
@@ -219,6 +227,10 @@ void CameraDetector::publish(const Pass& pass) {
         if (camera->isReal() && !camera->serial().empty())
             idsBefore[camera->serial()] = camera->id();
     }
+    for (const auto& camera : roster_.cameras()) {
+        if (camera->isReal())
+            camera->disconnect();
+    }
     if (!found.empty())
         roster_.setCameraMode(CameraMode::live);
     roster_.setRealCameras(found);
@@ -227,11 +239,11 @@ void CameraDetector::publish(const Pass& pass) {
         if (before != idsBefore.end() && before->second != camera->id())
             carried_.emit(before->second, camera->id());
     }
-    tellWhatWasFound(found);
+    tellWhatWasFound(found, pass.sonyOnFallback);
     published_.emit();
 }
 
-void CameraDetector::tellWhatWasFound(const std::vector<CameraRoster::Camera>& found) {
+void CameraDetector::tellWhatWasFound(const std::vector<CameraRoster::Camera>& found, bool sonyOnFallback) {
     if (found.empty()) {
         log_.pushLog(nothingFound);
         return;
@@ -239,22 +251,18 @@ void CameraDetector::tellWhatWasFound(const std::vector<CameraRoster::Camera>& f
     std::string list;
     std::set<std::string> serials;
     std::set<std::string> shared;
-    bool sony = false;
     for (const auto& camera : found) {
         list += (list.empty() ? "" : ", ") + roster_.labelFor(*camera) + " (" + camera->backend() + ")";
         if (!camera->serial().empty() && !serials.insert(camera->serial()).second)
             shared.insert(camera->serial());
-        const auto family = familyOf(camera->backend());
-        sony = sony || (family && family->turn() == CameraFamily::Turn::universal &&
-                        base::containsIgnoringCase(camera->model(), "sony"));
     }
     log_.pushLog(absl::StrFormat("Detected %d: %s.", static_cast<int>(found.size()), list));
     for (const std::string& serial : shared)
         log_.pushLog("⚠️ Two bodies report the serial number " + serial +
                      ", so their labels hold for this session only, and a lost one cannot be told from the "
                      "other. Label both now.");
-    if (sony)
-        log_.pushLog(sonyOnFallback);
+    if (sonyOnFallback)
+        log_.pushLog(sonyFallbackAdvice);
 }
 
 } // namespace zenka::rig

@@ -54,7 +54,7 @@ private:
     struct Pass;
 
     void publish(const Pass& pass);
-    void tellWhatWasFound(const std::vector<CameraRoster::Camera>& found);
+    void tellWhatWasFound(const std::vector<CameraRoster::Camera>& found, bool sonyOnFallback);
     void endPass();
 
     const ports::Ports& ports_;

@@ -17,8 +17,18 @@ struct FoundBody {
     std::string port;   ///< "usb:020,007", empty for a family that knows its bodies otherwise
     std::string serial; ///< by the USB bus or the family; empty where it is not known
     std::string hub;    ///< of the USB hub, empty where it is not known
+    bool isSony = false;
 
     friend bool operator==(const FoundBody&, const FoundBody&) = default;
+};
+
+/// A body in a driver's hands.
+struct HeldBody {
+    std::string id; ///< of the driver
+    std::string serial;
+    std::string port;
+
+    friend bool operator==(const HeldBody&, const HeldBody&) = default;
 };
 
 /// A body that has to be found again.
@@ -80,6 +90,9 @@ public:
         MakeDriver make;
     };
     virtual std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) = 0;
+
+    /// Ids of those bodies of its own that are no longer where they were held. Background; it only looks.
+    virtual std::vector<std::string> goneFromBus(const std::vector<HeldBody>&) { return {}; }
 
     /// It looks at the bus on each so many polls only, as a look disturbs bodies that work.
     virtual int pollsBetweenScans() const { return 1; }

@@ -117,9 +117,10 @@ void FireLoop::fireOne(const CameraRoster::Camera& camera, const CompensatedCapt
                                   .firedWall = ports_.clock.now(),
                                   .runLog = runLog,
                                   .resultsEra = outcomes_.resultsEra()};
-    // A body that is down is not troubled: it may be on its way back.
+    // A body that is down is not troubled: it may be on its way back. Its silence counts all the same, so
+    // that the alarm is raised for one that has not come back within three frames.
     if (!camera->connected() || roster_.isDisconnected(camera->id())) {
-        outcomes_.completed(shot, {.ok = false, .note = "dropped, camera disconnected", .responded = true});
+        outcomes_.completed(shot, {.ok = false, .note = "dropped, camera disconnected"});
         return;
     }
     if (capture.forceFullExposure)
@@ -153,6 +154,17 @@ void FireLoop::resetFiredTracking() {
     skippedCount_.set(0);
     ++fireGeneration_;
     lastFireScanClock_ = clock;
+}
+
+bool FireLoop::dueWithin(const cameras::CameraControl& camera, double seconds) const {
+    if (!transport_.runActive())
+        return false;
+    const auto& captures = script_.captures();
+    const double until = transport_.clock() + seconds;
+    for (std::size_t i = cursor_; i < captures.size() && captures[i].offsetSec <= until; ++i)
+        if (roster_.cameraMatches(camera, captures[i].camera))
+            return true;
+    return false;
 }
 
 double FireLoop::nextOffset() const {

@@ -32,6 +32,9 @@ public:
     /// Clock value of the next capture, infinite if there is none.
     double nextOffset() const;
 
+    /// Whether a run has a frame for this body within so many seconds from now.
+    bool dueWithin(const cameras::CameraControl& camera, double seconds) const;
+
     /// Fires one capture on every body that answers to its token. dueClock is the instant at which it
     /// was to leave, its stagger included.
     void fireCapture(const script::Capture& capture, double dueClock);

@@ -80,7 +80,7 @@ void FireOutcomes::dropped(const Shot& shot, const cameras::CaptureOutcome& outc
         requestReconnect_.emit(shot.camera);
     if (outcome.responded)
         consecutiveFails_[id] = 0;
-    else if (++consecutiveFails_[id] > silentFramesAllowed)
+    else if (++consecutiveFails_[id] == silentFramesAllowed + 1)
         flagDisconnect_.emit(shot.camera);
     // A body that answers but has not delivered a frame for a while is wedged.
     const auto success = lastFireSuccess_.find(id);

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "cameras/gphoto2/GPhoto2Camera.h"
+#include "cameras/usb/SonyNames.h"
 #include "cameras/usb/USBCameraNames.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ namespace zenka::rig {
 
 namespace {
 
+namespace SonyNames = cameras::SonyNames;
 namespace USBCameraNames = cameras::USBCameraNames;
 
 constexpr base::Seconds versionTimeout{5};
@@ -27,6 +29,17 @@ bool newEnough(std::string_view version) {
     const int major = base::readInteger(numbers[0]).value_or(0);
     const int minor = numbers.size() > 1 ? base::readInteger(numbers[1]).value_or(0) : 0;
     return major > 2 || (major == 2 && minor >= 5);
+}
+
+/// The one of a serial number; of several, as some makers number all alike, the one of the same model.
+std::vector<DownBody>::iterator bodyBehind(std::vector<DownBody>& down, const std::string& serial,
+                                           const std::string& model) {
+    const auto first = std::ranges::find(down, serial, &DownBody::serial);
+    const auto same = std::ranges::find_if(down, [&](const DownBody& body) {
+        return body.serial == serial &&
+               (body.model == model || SonyNames::sonyModelKey(body.model) == SonyNames::sonyModelKey(model));
+    });
+    return same != down.end() ? same : first;
 }
 
 } // namespace
@@ -63,7 +76,8 @@ std::vector<FoundBody> GPhoto2Family::enumerate(const std::vector<FoundBody>& li
         FoundBody body{.model = USBCameraNames::displayName(bus_, detected.model, detected.port),
                        .port = detected.port,
                        .serial = {},
-                       .hub = {}};
+                       .hub = {},
+                       .isSony = SonyNames::gphotoBodyIsSony(bus_, detected.model, detected.port)};
         if (device) {
             body.serial = device->serial.value_or("");
             body.hub = device->hub;
@@ -88,14 +102,14 @@ CameraFamily::MakeDriver GPhoto2Family::connect(const FoundBody& body, const Tel
 std::vector<CameraFamily::Rebound> GPhoto2Family::rebind(const std::vector<DownBody>& down,
                                                          const Tell& tell) {
     std::vector<Rebound> back;
+    std::vector<DownBody> missing = down;
     for (const auto& detected : program_.autodetect()) {
         const auto device = USBCameraNames::lookup(bus_, detected.port);
         if (!device || !device->serial)
             continue;
-        const auto wanted = std::ranges::find(down, *device->serial, &DownBody::serial);
-        const bool taken = std::ranges::any_of(
-            back, [&](const Rebound& one) { return wanted != down.end() && one.id == wanted->id; });
-        if (wanted == down.end() || taken)
+        const std::string model = USBCameraNames::displayName(bus_, detected.model, detected.port);
+        const auto wanted = bodyBehind(missing, *device->serial, model);
+        if (wanted == missing.end())
             continue;
         // A body on the bus need not be one that talks.
         const auto alive = program_.aliveWithWedgeRecovery(detected.port);
@@ -109,8 +123,25 @@ std::vector<CameraFamily::Rebound> GPhoto2Family::rebind(const std::vector<DownB
                                          .serial = *device->serial,
                                          .hub = device->hub},
                                         tell)});
+        missing.erase(wanted);
     }
     return back;
+}
+
+std::vector<std::string> GPhoto2Family::goneFromBus(const std::vector<HeldBody>& held) {
+    std::vector<std::string> gone;
+    const auto devices = bus_.devices();
+    if (!devices)
+        return gone;
+    for (const HeldBody& body : held) {
+        const bool there = std::ranges::any_of(*devices, [&](const ports::UsbDevice& device) {
+            return USBCameraNames::gphotoPort(device) == body.port &&
+                   (body.serial.empty() || device.serial == body.serial);
+        });
+        if (!there)
+            gone.push_back(body.id);
+    }
+    return gone;
 }
 
 } // namespace zenka::rig

@@ -19,6 +19,7 @@ public:
     std::vector<FoundBody> enumerate(const std::vector<FoundBody>& listed, const Tell& tell) override;
     MakeDriver connect(const FoundBody& body, const Tell& tell) override;
     std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) override;
+    std::vector<std::string> goneFromBus(const std::vector<HeldBody>& held) override;
     int pollsBetweenScans() const override { return 3; }
     void holdServicesOff() override { program_.machine().daemons.hold(); }
     void letServicesOn() override { program_.machine().daemons.release(); }

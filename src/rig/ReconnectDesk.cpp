@@ -17,7 +17,7 @@ constexpr int pollsToAdvice = 15; // 30 s
 constexpr int slowLanePolls = 15;
 constexpr base::Seconds standDownLimit{3.0};
 /// A single body is spoken of after this, so that several at once are spoken of together.
-constexpr base::Seconds speechGrace{0.5};
+constexpr base::Seconds speechGrace{1.0};
 
 std::string joined(const std::vector<std::string>& names) {
     std::string text;
@@ -48,7 +48,10 @@ void ReconnectDesk::flagDisconnect(const CameraRoster::Camera& camera) {
     recordDownCam(*camera, name);
     noteFlapping(id, name);
     if (!toldAsGroup(*camera))
-        tellDisconnected(name);
+        tellDisconnected(*camera, name);
+    if (camera->serial().empty())
+        cameraRecoveryHint_.set(name + " has no serial number to be known by, so it does not come back by "
+                                       "itself. Check cable and power, then press Detect when no run is on.");
     raiseAlarm();
     startReconnectLoop();
 }
@@ -107,12 +110,13 @@ bool ReconnectDesk::toldAsGroup(const cameras::CameraControl& camera) {
     return true;
 }
 
-void ReconnectDesk::tellDisconnected(const std::string& name) {
+void ReconnectDesk::tellDisconnected(const cameras::CameraControl& camera, const std::string& name) {
     log_.pushLog("🛑 CAMERA DISCONNECTED: " + name);
+    const bool idle = !transport_.runActive() && !camera.serial().empty();
     const std::string words =
         "Warning. Camera " + name +
-        (transport_.runActive() ? " disconnected."
-                                : " disconnected (idle). Re-plug or power-cycle; I rebind it automatically.");
+        (idle ? " disconnected (idle). Re-plug or power-cycle; I rebind it automatically."
+              : " disconnected.");
     speech_ = ports_.loop.after(speechGrace, lifeline_.guard([this, words] { spoken_.emit(words); }));
 }
 
@@ -216,19 +220,17 @@ void ReconnectDesk::scan(bool busHasChanged) {
         std::shared_ptr<CameraFamily> family;
         std::vector<DownBody> bodies;
     };
+    // A flapping cable changes the bus all the time, so that opens the slow lane to nobody.
+    const bool slowLaneTurn = !busHasChanged && reconnectPolls_ % slowLanePolls == 0;
     std::vector<Look> looks;
     for (const auto& family : families_) {
         // The first poll of each round of so many.
         const int between = family->pollsBetweenScans();
-        if (!busHasChanged && between > 1 && reconnectPolls_ % between != 1)
-            continue;
-        // The slow lane is served by the first look from its 15th poll on.
-        const bool slowLaneOpen =
-            reconnectPolls_ >= slowLanePolls && reconnectPolls_ % slowLanePolls < between;
+        const bool itsTurn = busHasChanged || between <= 1 || reconnectPolls_ % between == 1;
         Look look{.family = family, .bodies = {}};
         for (const auto& [id, body] : downCams_) {
-            const bool slow = slowLaneCams_.contains(id) && !slowLaneOpen;
-            if (body.backend == family->backend() && !slow && !standDownProbing_.contains(id) &&
+            const bool due = slowLaneCams_.contains(id) ? slowLaneTurn : itsTurn;
+            if (body.backend == family->backend() && due && !standDownProbing_.contains(id) &&
                 !body.serial.empty())
                 look.bodies.push_back(body);
         }

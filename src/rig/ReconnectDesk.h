@@ -70,7 +70,7 @@ private:
     void noteFlapping(const std::string& id, const std::string& name);
     /// True when it is one of several at once, which is told instead of the single one.
     bool toldAsGroup(const cameras::CameraControl& camera);
-    void tellDisconnected(const std::string& name);
+    void tellDisconnected(const cameras::CameraControl& camera, const std::string& name);
     void raiseAlarm();
     void startReconnectLoop();
     void stopReconnectLoop();

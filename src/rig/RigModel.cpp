@@ -20,7 +20,8 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
       manualFire_(ports_, outcomes_), library_(ports_.files, ports_.folders, ports_.queues),
       modes_(log_, roster_), detector_(ports_, log_, roster_, transport_, families),
-      reconnect_(ports_, log_, roster_, logbook_, transport_, families), announcer_(log_, script_),
+      reconnect_(ports_, log_, roster_, logbook_, transport_, families),
+      heldSessions_(ports_, log_, roster_, fireLoop_, families), announcer_(log_, script_),
       renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
       fireClock_(
           ports_, log_, transport_, [this](double dt) { advance(dt); }, [this] { return nextDue(); }) {
@@ -63,6 +64,12 @@ void RigModel::connectCameras() {
         outcomes_.carry(from, to);
         modes_.carry(from, to);
     };
+    heldSessions_.gone().connect([this](const Camera& camera) {
+        reconnect_.requestReconnect(camera);
+        // One without a serial number does not come back by itself.
+        if (camera->serial().empty())
+            reconnect_.flagDisconnect(camera);
+    });
     reconnect_.reconnected().connect(carry);
     detector_.carried().connect(carry);
     roster_.labelled().connect([this](const cameras::CameraControl& camera, const std::string& label) {
@@ -92,6 +99,7 @@ void RigModel::bootstrap() {
     transport_.restoreSimClock();
     keeper_.checkForResumableRun();
     keeper_.checkEclipseDay();
+    heldSessions_.startKeepAlive();
     fireClock_.startClock();
 }
 

@@ -10,6 +10,7 @@
 #include "rig/FireClock.h"
 #include "rig/FireLoop.h"
 #include "rig/FireOutcomes.h"
+#include "rig/HeldSessions.h"
 #include "rig/ManualFire.h"
 #include "rig/ReconnectDesk.h"
 #include "rig/RenderPace.h"
@@ -65,6 +66,7 @@ public:
     BodyModes& modes() { return modes_; }
     CameraDetector& detector() { return detector_; }
     ReconnectDesk& reconnect() { return reconnect_; }
+    HeldSessions& heldSessions() { return heldSessions_; }
     Announcer& announcer() { return announcer_; }
     RenderPace& renderPace() { return renderPace_; }
     FireClock& fireClock() { return fireClock_; }
@@ -94,6 +96,7 @@ private:
     BodyModes modes_;
     CameraDetector detector_;
     ReconnectDesk reconnect_;
+    HeldSessions heldSessions_;
     Announcer announcer_;
     RenderPace renderPace_;
     FireClock fireClock_;

@@ -12,7 +12,6 @@ namespace zenka::services {
 
 namespace {
 
-constexpr char addressKey[] = "zenka.updateAddress";
 constexpr base::Seconds timeout{15};
 constexpr std::size_t mostBytes = 64 << 10;
 constexpr std::size_t longestText = 300; ///< of what a server may put before the user
@@ -54,11 +53,11 @@ UpdateCheck::UpdateCheck(const ports::Ports& ports, std::string version)
 }
 
 std::string UpdateCheck::address() const {
-    return ports_.settings.text(addressKey).value_or("");
+    return ports_.settings.text(updateAddressKey).value_or("");
 }
 
 void UpdateCheck::setAddress(const std::string& address) {
-    ports_.settings.setText(addressKey, std::string(base::trimmed(address)));
+    ports_.settings.setText(updateAddressKey, std::string(base::trimmed(address)));
 }
 
 void UpdateCheck::check() {

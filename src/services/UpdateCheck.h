@@ -8,6 +8,9 @@
 
 namespace zenka::services {
 
+/// The setting of the address that is asked.
+inline constexpr char updateAddressKey[] = "zenka.updateAddress";
+
 /// Whether there is a newer version of the program. Where an address is set, GET of it answers with
 /// {"version": "1.2.3", "url": "where to get it"}; else the system's package manager has the say.
 class UpdateCheck {

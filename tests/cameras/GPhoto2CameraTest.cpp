@@ -83,6 +83,28 @@ TEST_F(GPhoto2CameraTest, aShotCompletesOnceThoughItsCameraIsGone) {
     EXPECT_EQ(bench.children.living, 0);
 }
 
+TEST_F(GPhoto2CameraTest, aSuspendedBodyHoldsNothingAndGoesOnAfterwardsWithAllItsSettings) {
+    const auto camera = bench.body();
+    camera->warmUp();
+    bench.run(1);
+    EXPECT_TRUE(bench.shoot(*camera, totality).ok);
+    bench.sent();
+    camera->suspend();
+    bench.run(1);
+    EXPECT_EQ(bench.children.living, 0);
+    EXPECT_EQ(bench.shoot(*camera, totality).note, "the camera was let go");
+    camera->resume();
+    bench.run(5);
+    EXPECT_TRUE(camera->armed());
+    bench.sent();
+    EXPECT_TRUE(bench.shoot(*camera, totality).ok);
+    EXPECT_EQ(bench.sent().size(), 4U);
+    camera->disconnect();
+    camera->resume();
+    bench.run(5);
+    EXPECT_FALSE(camera->armed()) << "one that was let go of for good stays so";
+}
+
 TEST_F(GPhoto2CameraTest, backOffGrowsFasterForABodyThatHasFired) {
     EXPECT_EQ(GPhoto2Worker::backOffSec(0, true), 0);
     EXPECT_EQ(GPhoto2Worker::backOffSec(1, true), 4);

@@ -103,6 +103,26 @@ TEST_F(QtSettingsTest, valuesReadBackAtOnceAndAfterARestart) {
     check(settings);
 }
 
+TEST_F(QtSettingsTest, theEnvironmentRulesOverTheKeysThatItMay) {
+    ::setenv("ZENKA_SERVICE_HOST", "https://given.example", 1);
+    ::setenv("ZENKA_OTHER", "x", 1);
+    {
+        QtSettings settings(queues_, file_);
+        settings.letEnvironmentRule("zenka.serviceHost");
+        settings.letEnvironmentRule("zenka.notGiven");
+        settings.setText("zenka.serviceHost", "https://typed.example");
+        settings.setText("zenka.notGiven", "typed");
+        EXPECT_EQ(settings.text("zenka.serviceHost"), "https://given.example");
+        EXPECT_EQ(settings.text("zenka.notGiven"), "typed");
+        EXPECT_EQ(settings.text("zenka.other"), std::nullopt);
+    }
+    ::unsetenv("ZENKA_SERVICE_HOST");
+    ::unsetenv("ZENKA_OTHER");
+    QtSettings settings(queues_, file_);
+    settings.letEnvironmentRule("zenka.serviceHost");
+    EXPECT_EQ(settings.text("zenka.serviceHost"), "https://typed.example");
+}
+
 TEST_F(QtSettingsTest, aBurstOfWritesIsOneWriteAndComesToTheDiskByItself) {
     CountingQueues queues;
     QtSettings settings(queues, file_);

@@ -72,10 +72,12 @@ TEST_F(Detect, aBodyThatMustWorkAloneEndsThePass) {
     EXPECT_TRUE(rig.logged("Canon claimed natively — skipping the universal-driver scan"));
     EXPECT_EQ(universal->count("enumerate"), 0);
 
+    const auto before = canon->made.at("C1");
     canon->refusing = {"C1"};
     detect();
     EXPECT_THAT(bodies(), ElementsAre("gphoto2 N1")) << "one that could not be claimed is no reason to stop";
-    EXPECT_EQ(canon->count("release C1"), 1);
+    EXPECT_TRUE(before->suspended);
+    EXPECT_FALSE(before->connected());
 }
 
 TEST_F(Detect, labelsAndCountsFollowABodyByItsSerialNumber) {
@@ -114,6 +116,7 @@ TEST_F(Detect, aPassIsAloneCanBeCancelledAndLeavesTheListAsItWas) {
     detector.detectCameras();
     EXPECT_TRUE(rig.logged("Detect is running already"));
     rig.run(0.1);
+    EXPECT_TRUE(universal->made.at("N1")->suspended);
     EXPECT_EQ(universal->holds, 1);
     EXPECT_FALSE(detector.step().get().empty());
     detector.cancelDetect();
@@ -125,6 +128,8 @@ TEST_F(Detect, aPassIsAloneCanBeCancelledAndLeavesTheListAsItWas) {
     EXPECT_EQ(universal->holds, 0);
     EXPECT_THAT(bodies(), ElementsAre("gphoto2 N1"));
     EXPECT_EQ(universal->count("connect N2"), 0);
+    EXPECT_FALSE(universal->made.at("N1")->suspended) << "it can be fired as before";
+    EXPECT_TRUE(universal->made.at("N1")->connected());
 }
 
 TEST_F(Detect, aRunKeepsTheBodiesThatItHas) {
@@ -135,7 +140,7 @@ TEST_F(Detect, aRunKeepsTheBodiesThatItHas) {
     detector.detectCameras();
     EXPECT_FALSE(detector.detecting().get());
     EXPECT_TRUE(rig.logged("Detect would take its cameras out of its hands"));
-    EXPECT_EQ(universal->count("release N1"), 0);
+    EXPECT_FALSE(universal->made.at("N1")->suspended);
 }
 
 TEST_F(Detect, anEmptyBusIsToldWithWhatToDo) {

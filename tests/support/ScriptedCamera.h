@@ -31,6 +31,13 @@ public:
     bool connected() const override { return connected_; }
     double minIntervalSec() const override { return 0.5; }
     void disconnect() override { connected_ = false; }
+    bool suspended = false;
+    void suspend() override { suspended = true; }
+    void resume() override { suspended = false; }
+    int pings = 0;
+    void keepAlive() override { ++pings; }
+    std::string where = "usb:001,002";
+    std::string port() const override { return where; }
     std::optional<int> usbBus() const override { return bus; }
     int shotCount() const override { return static_cast<int>(shots.size()); }
     std::optional<int> confirmedFrames() const override { return confirmed; }

@@ -22,6 +22,7 @@ public:
     std::vector<rig::FoundBody> bus;
     std::set<std::string> refusing;                       ///< serials that cannot be held
     std::function<void(const ScriptedCamera&)> onCapture; ///< of each body it makes
+    std::function<void(const std::string& id)> onRelease; ///< before a driver is let go of for good
     std::string fallback;
     std::string stuck;
     int between = 1;
@@ -57,6 +58,7 @@ public:
         camera->serialNumber = body.serial;
         camera->family = backend_;
         camera->onCapture = onCapture;
+        camera->where = body.port;
         return [this, camera] {
             made[camera->serial()] = camera;
             return camera;
@@ -65,6 +67,8 @@ public:
     std::string explainFallback() const override { return fallback; }
     void release(const Camera& camera) override {
         note("release " + camera->serial());
+        if (onRelease)
+            onRelease(camera->id());
         camera->disconnect();
     }
     std::vector<Rebound> rebind(const std::vector<rig::DownBody>& down, const Tell& tell) override {
@@ -78,6 +82,17 @@ public:
                 back.push_back({.id = wanted.id, .make = std::move(make)});
         }
         return back;
+    }
+    std::vector<std::string> goneFromBus(const std::vector<rig::HeldBody>& held) override {
+        std::vector<std::string> gone;
+        for (const rig::HeldBody& body : held) {
+            const bool there = std::ranges::any_of(bus, [&](const rig::FoundBody& found) {
+                return found.serial == body.serial && found.port == body.port;
+            });
+            if (!there)
+                gone.push_back(body.id);
+        }
+        return gone;
     }
     int pollsBetweenScans() const override { return between; }
     std::string stuckAdvice() const override { return stuck; }

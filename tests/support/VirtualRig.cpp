@@ -17,6 +17,11 @@ base::Instant anHourBefore() {
     return eclipse::Catalog::eclipse("2026-08-12").baseTDT() - base::Seconds{3600};
 }
 
+ports::Ports withLoop(const ports::Ports& all, ports::MainLoop& loop) {
+    return {all.clock, loop,          all.queues,       all.fireTimer, all.settings, all.folders,
+            all.files, all.keepAwake, all.stallSampler, all.places,    all.http};
+}
+
 } // namespace
 
 std::string MemoryFiles::only(const std::string& ending) const {
@@ -34,7 +39,8 @@ int MemoryFiles::count(const std::string& ending) const {
 }
 
 VirtualRig::VirtualRig(const rig::CameraDetector::Families& families)
-    : machine(anHourBefore(), folders, files, places, http), model(machine.all, "9.9", families) {
+    : machine(anHourBefore(), folders, files, places, http),
+      model(withLoop(machine.all, loop), "9.9", families) {
     model.log().lineAdded().connect([this](const std::string& line) { lines.push_back(line); });
     model.recompute();
     model.fireClock().startClock();

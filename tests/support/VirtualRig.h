@@ -6,6 +6,7 @@
 #include "support/MemoryFiles.h"
 #include "support/ScriptedCamera.h"
 #include "support/ScriptedHttp.h"
+#include "support/WatchedLoop.h"
 
 #include <memory>
 #include <string>
@@ -26,6 +27,7 @@ public:
     FakePlaces places;
     ScriptedHttp http;
     platform::VirtualPorts machine;
+    WatchedLoop loop{machine.loop}; ///< the one that the rig has
     rig::RigModel model;
 
     /// Every line of the operator's log, oldest first.

@@ -72,12 +72,24 @@ void GPhoto2Camera::disconnect() {
     queue_->post([worker = worker_] { worker->dropSession(); });
 }
 
+void GPhoto2Camera::suspend() {
+    worker_->setConnected(false);
+    queue_->post([worker = worker_] { worker->dropSession(); });
+}
+
+void GPhoto2Camera::resume() {
+    worker_->setConnected(connected_);
+    warmUp();
+}
+
 void GPhoto2Camera::warmUp() {
     if (usePersistent() && connected_)
         queue_->post([worker = worker_] { worker->warmUp(); });
 }
 
 void GPhoto2Camera::keepAlive() {
+    if (busy_ || !connected_)
+        return; // a shot says as much
     queue_->post([worker = worker_] { worker->keepAlive(); });
 }
 

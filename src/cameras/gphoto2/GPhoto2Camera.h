@@ -33,7 +33,7 @@ public:
     const std::string& serial() const override { return body_.serial; }
     void setSerial(std::string serial) { body_.serial = std::move(serial); }
     const std::string& model() const override { return body_.model; }
-    const std::string& port() const { return body_.port; }
+    std::string port() const override { return body_.port; }
     std::string backend() const override { return "gphoto2"; }
     bool connected() const override { return connected_; }
     double minIntervalSec() const override { return minIntervalSec_; }
@@ -43,12 +43,14 @@ public:
     void capture(const Shot& shot, CaptureDone done) override;
     void forceFullExposureNextFrame() override;
     void disconnect() override;
+    void suspend() override;
+    void resume() override;
 
     /// Holds a session ready before the first shot, for a body that is driven through one: up to three
     /// tries.
     void warmUp();
     /// Asks a held session for a sign of life; one without is dropped.
-    void keepAlive();
+    void keepAlive() override;
     /// Ends the session within a limit, by force if it must be. For the end of the program: the camera
     /// fires no more.
     void shutDown(base::Seconds limit) override;

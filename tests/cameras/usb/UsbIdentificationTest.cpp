@@ -1,9 +1,12 @@
 #include "cameras/CameraCatalog.h"
+#include "cameras/usb/SonyNames.h"
 #include "cameras/usb/USBCameraNames.h"
 #include "cameras/usb/USBHolders.h"
 #include "support/ScriptedUsb.h"
 
 #include <gmock/gmock.h>
+
+#include <set>
 
 using namespace zenka;
 using cameras::USBCameraNames::Device;
@@ -114,4 +117,44 @@ TEST(USBHolders, theHoldersOfAVendorsDevicesAreNamedOnceAndSorted) {
     bus.plugged.reset();
     EXPECT_EQ(holding::sonyHolders(bus, processes), std::nullopt);
     EXPECT_EQ(holding::prettify("/usr/lib/gvfs/"), "gvfs");
+}
+
+TEST(SonyNames, allNamesOfABodyHaveOneKeyAndNoTwoBodiesHave) {
+    using cameras::SonyNames::sonyModelKey;
+    const std::vector<std::vector<std::string>> bodies{
+        {"Sony Alpha-A7R III (PC Control)", "Sony Alpha-A7R III (Control)", "ILCE-7RM3", "a7R III", "7RM3"},
+        {"Sony Alpha-A7 III (PC Control)", "ILCE-7M3", "Sony ILCE-7M3 (Control)", "a7 III"},
+        {"Sony Alpha-A7 IV (Control)", "ILCE-7M4", "a7 IV"},
+        {"ILCE-7RM5", "a7R V", "Sony ILCE-7RM5 PC Control"},
+        {"ILCE-7CM2", "a7C II"},
+        {"ILCE-1", "a1", "Sony Alpha-A1 (PC Control)"},
+        {"ILCE-1M2", "a1 II"},
+        {"ILCE-9M3", "a9 III"},
+        {"ILCE-6700", "a6700"},
+        {"ILME-FX3", "FX3", "Sony ILME-FX3 (PC Control)"},
+        {"ZV-E10", "Sony ZV-E10 (Control)"},
+    };
+    std::set<std::string> keys;
+    for (const auto& names : bodies) {
+        const std::string key = sonyModelKey(names[0]);
+        EXPECT_FALSE(key.empty());
+        EXPECT_TRUE(keys.insert(key).second) << names[0] << " has the key of another body, " << key;
+        for (const std::string& name : names)
+            EXPECT_EQ(sonyModelKey(name), key) << name;
+    }
+    for (const char* nothing : {"", "Sony", "Sony Alpha (PC Control)", "\xff\xfe"})
+        EXPECT_EQ(sonyModelKey(nothing), "") << nothing;
+}
+
+TEST(SonyNames, theBusHasTheFirstSayOnWhoseABodyIs) {
+    using cameras::SonyNames::gphotoBodyIsSony;
+    test::ScriptedUsbBus bus;
+    bus.plugged = {device(1, 1, "ILCE-7M4", "Sony", 0x054c), device(1, 2, "WALKMAN", "Sony", 0x054c),
+                   device(1, 3, "NIKON DSC Z 8", "NIKON"), device(1, 4, "Camera", "ACME")};
+    EXPECT_TRUE(gphotoBodyIsSony(bus, "PTP camera", "usb:001,001"));
+    EXPECT_FALSE(gphotoBodyIsSony(bus, "Sony player", "usb:001,002"));
+    EXPECT_FALSE(gphotoBodyIsSony(bus, "Sony something", "usb:001,003"));
+    EXPECT_TRUE(gphotoBodyIsSony(bus, "SONY something", "usb:001,004"));
+    EXPECT_FALSE(gphotoBodyIsSony(bus, "PTP camera", "usb:001,004"));
+    EXPECT_TRUE(gphotoBodyIsSony(bus, "Sony Alpha-A7 III", "usb:009,009"));
 }

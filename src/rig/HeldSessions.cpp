@@ -1,0 +1,84 @@
+#include "rig/HeldSessions.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zenka::rig {
+
+namespace {
+
+constexpr base::Seconds period{45.0};
+/// A body that does not answer is waited for up to 6 s, and no frame is to wait with it.
+constexpr double roomBeforeAFrame = 10.0;
+
+} // namespace
+
+HeldSessions::HeldSessions(const ports::Ports& ports, RigLog& log, const CameraRoster& roster,
+                           const FireLoop& fireLoop, Families families)
+    : ports_(ports), log_(log), roster_(roster), fireLoop_(fireLoop), families_(std::move(families)),
+      queue_(ports.queues.serial("held sessions")) {
+}
+
+void HeldSessions::startKeepAlive() {
+    ports_.loop.every(period, lifeline_.guard([this] { keepAliveHeldSessions(); }));
+}
+
+bool HeldSessions::held(const cameras::CameraControl& camera) const {
+    return camera.isReal() && camera.connected() && !roster_.isDisconnected(camera.id());
+}
+
+void HeldSessions::keepAliveHeldSessions() {
+    for (const auto& camera : roster_.cameras()) {
+        if (held(*camera) && !fireLoop_.dueWithin(*camera, roomBeforeAFrame))
+            camera->keepAlive();
+    }
+    lookForGone();
+}
+
+void HeldSessions::lookForGone() {
+    if (std::exchange(looking_, true)) {
+        lookAgain_ = true;
+        return;
+    }
+    struct Look {
+        std::shared_ptr<CameraFamily> family;
+        std::vector<HeldBody> bodies;
+    };
+    std::vector<Look> looks;
+    for (const auto& family : families_) {
+        Look look{.family = family, .bodies = {}};
+        for (const auto& camera : roster_.cameras()) {
+            if (held(*camera) && camera->backend() == family->backend())
+                look.bodies.push_back(
+                    {.id = camera->id(), .serial = camera->serial(), .port = camera->port()});
+        }
+        if (!look.bodies.empty())
+            looks.push_back(std::move(look));
+    }
+    if (looks.empty()) {
+        looking_ = false;
+        return;
+    }
+    queue_->post([looks = std::move(looks), &loop = ports_.loop,
+                  arrive = lifeline_.guard([this](const std::vector<std::string>& ids) { tellGone(ids); })] {
+        std::vector<std::string> ids;
+        for (const Look& look : looks)
+            std::ranges::move(look.family->goneFromBus(look.bodies), std::back_inserter(ids));
+        loop.post([arrive, ids = std::move(ids)] { arrive(ids); });
+    });
+}
+
+void HeldSessions::tellGone(const std::vector<std::string>& ids) {
+    looking_ = false;
+    const auto cameras = roster_.cameras(); // a copy, as what hears of it may change the roster
+    for (const auto& camera : cameras) {
+        if (!std::ranges::count(ids, camera->id()) || !held(*camera))
+            continue;
+        log_.pushLog(roster_.labelFor(*camera) + ": no longer on the USB bus — reconnecting…");
+        gone_.emit(camera);
+    }
+    if (std::exchange(lookAgain_, false))
+        lookForGone();
+}
+
+} // namespace zenka::rig

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "base/Lifeline.h"
+#include "ports/Ports.h"
+#include "rig/CameraFamily.h"
+#include "rig/CameraRoster.h"
+#include "rig/FireLoop.h"
+#include "rig/RigLog.h"
+
+#include <memory>
+#include <vector>
+
+namespace zenka::rig {
+
+/// Bodies that are held open between their frames: keeps their links awake, and notices one that has left
+/// the bus before the next frame finds out. Main thread.
+class HeldSessions {
+public:
+    using Families = std::vector<std::shared_ptr<CameraFamily>>;
+
+    HeldSessions(const ports::Ports& ports, RigLog& log, const CameraRoster& roster, const FireLoop& fireLoop,
+                 Families families);
+
+    /// From now on every 45 s.
+    void startKeepAlive();
+
+    /// Asks each body for a sign of life, but for those with a frame soon, and looks for bodies that have
+    /// gone.
+    void keepAliveHeldSessions();
+
+    /// Looks which bodies are no longer on the bus.
+    void lookForGone();
+
+    /// A body has left the bus.
+    sigc::signal<void(const CameraRoster::Camera&)>& gone() { return gone_; }
+
+private:
+    bool held(const cameras::CameraControl& camera) const;
+    void tellGone(const std::vector<std::string>& ids);
+
+    const ports::Ports& ports_;
+    RigLog& log_;
+    const CameraRoster& roster_;
+    const FireLoop& fireLoop_;
+    const Families families_;
+    std::shared_ptr<ports::WorkQueue> queue_;
+    bool looking_ = false;
+    bool lookAgain_ = false; // the bus has changed while it was looked at
+    sigc::signal<void(const CameraRoster::Camera&)> gone_;
+    base::Lifeline lifeline_;
+};
+
+} // namespace zenka::rig
