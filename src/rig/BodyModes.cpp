@@ -3,15 +3,18 @@
 namespace zenka::rig {
 
 void BodyModes::recheckModes() {
-    for (const auto& camera : roster_.cameras()) {
-        const std::string label = roster_.labelFor(*camera);
-        camera->probe(lifeline_.guard([this, camera, label](const cameras::CameraStatus& status) {
-            recheckApply(*camera, status, label);
-        }));
-        camera->probeAutoISO(lifeline_.guard([this, camera, label](const cameras::AutoIsoStatus& status) {
-            applyAutoISO(*camera, status, label);
-        }));
-    }
+    for (const auto& camera : roster_.cameras())
+        recheck(camera);
+}
+
+void BodyModes::recheck(const CameraRoster::Camera& camera) {
+    const std::string label = roster_.labelFor(*camera);
+    camera->probe(lifeline_.guard([this, camera, label](const cameras::CameraStatus& status) {
+        recheckApply(*camera, status, label);
+    }));
+    camera->probeAutoISO(lifeline_.guard([this, camera, label](const cameras::AutoIsoStatus& status) {
+        applyAutoISO(*camera, status, label);
+    }));
 }
 
 void BodyModes::recheckApply(const cameras::CameraControl& camera, const cameras::CameraStatus& status,

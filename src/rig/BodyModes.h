@@ -28,6 +28,7 @@ public:
 
     /// Asks every body; the answers come when they come.
     void recheckModes();
+    void recheck(const CameraRoster::Camera& camera);
 
     void recheckApply(const cameras::CameraControl& camera, const cameras::CameraStatus& status,
                       const std::string& label);

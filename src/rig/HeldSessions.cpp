@@ -8,8 +8,9 @@ namespace zenka::rig {
 namespace {
 
 constexpr base::Seconds period{45.0};
-/// A body that does not answer is waited for up to 6 s, and no frame is to wait with it.
-constexpr double roomBeforeAFrame = 10.0;
+/// No frame is to wait for a body that does not answer: to a ping for 6 s, to the questions for 30 s.
+constexpr double roomForAPing = 10.0;
+constexpr double roomForQuestions = 40.0;
 
 } // namespace
 
@@ -29,8 +30,11 @@ bool HeldSessions::held(const cameras::CameraControl& camera) const {
 
 void HeldSessions::keepAliveHeldSessions() {
     for (const auto& camera : roster_.cameras()) {
-        if (held(*camera) && !fireLoop_.dueWithin(*camera, roomBeforeAFrame))
-            camera->keepAlive();
+        if (!held(*camera) || fireLoop_.dueWithin(*camera, roomForAPing))
+            continue;
+        camera->keepAlive();
+        if (!fireLoop_.dueWithin(*camera, roomForQuestions))
+            idle_.emit(camera);
     }
     lookForGone();
 }

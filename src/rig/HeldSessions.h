@@ -24,13 +24,15 @@ public:
     /// From now on every 45 s.
     void startKeepAlive();
 
-    /// Asks each body for a sign of life, but for those with a frame soon, and looks for bodies that have
-    /// gone.
+    /// Asks each body for a sign of life and those with time for it what they are set to, and looks for
+    /// bodies that have gone. One with a frame soon is left alone.
     void keepAliveHeldSessions();
 
     /// Looks which bodies are no longer on the bus.
     void lookForGone();
 
+    /// A body has time to be asked how it is set and what its battery has.
+    sigc::signal<void(const CameraRoster::Camera&)>& idle() { return idle_; }
     /// A body has left the bus.
     sigc::signal<void(const CameraRoster::Camera&)>& gone() { return gone_; }
 
@@ -46,6 +48,7 @@ private:
     std::shared_ptr<ports::WorkQueue> queue_;
     bool looking_ = false;
     bool lookAgain_ = false; // the bus has changed while it was looked at
+    sigc::signal<void(const CameraRoster::Camera&)> idle_;
     sigc::signal<void(const CameraRoster::Camera&)> gone_;
     base::Lifeline lifeline_;
 };

@@ -64,6 +64,7 @@ void RigModel::connectCameras() {
         outcomes_.carry(from, to);
         modes_.carry(from, to);
     };
+    heldSessions_.idle().connect([this](const Camera& camera) { modes_.recheck(camera); });
     heldSessions_.gone().connect([this](const Camera& camera) {
         reconnect_.requestReconnect(camera);
         // One without a serial number does not come back by itself.

@@ -297,13 +297,20 @@ TEST_F(GPhoto2CameraTest, probesAnswerOnTheMainThreadAndNilWithoutASession) {
     EXPECT_EQ(probeISO(), Got(true, "ISO set to Auto"));
     values = {{"autoiso", "Off"}, {"iso", "200"}};
     EXPECT_EQ(probeISO(), Got(false, "Auto-ISO off"));
-    values = {{"iso", "200"}, {"expprogram", "A"}};
+    values = {{"iso", "200"}, {"expprogram", "A"}, {"batterylevel", "80%"}};
     EXPECT_EQ(probeISO(), Got(false, "ISO 200"));
     CameraStatus status;
     camera->probe([&](const CameraStatus& said) { status = said; });
     bench.settle();
     EXPECT_EQ(status.isManual, false);
     EXPECT_EQ(status.modeName, "A");
+    EXPECT_EQ(status.batteryPercent, 80);
+    for (const char* unknown : {"Low", "", "-1%", "101%", "80 of 100"}) {
+        values["batterylevel"] = unknown;
+        camera->probe([&](const CameraStatus& said) { status = said; });
+        bench.settle();
+        EXPECT_EQ(status.batteryPercent, std::nullopt) << unknown;
+    }
 }
 
 TEST_F(GPhoto2CameraTest, aSessionWithoutASignOfLifeIsDroppedAndReportedOnce) {

@@ -240,8 +240,12 @@ TEST_F(Reconnect, aGoneDeviceThatIsNotBackWithinThreeFramesRaisesTheAlarm) {
 TEST_F(Reconnect, anIdleBodyIsPingedAndMissedWhenItLeavesTheBus) {
     run(2, 100);
     rig.model.transport().togglePlay();
+    body(1)->status = {.isManual = false, .modeName = "A", .batteryPercent = 80};
     rig.run(50);
     EXPECT_EQ(body(1)->pings, 1);
+    EXPECT_EQ(rig.model.modes().of(body(1)->id()).batteryPercent, 80);
+    EXPECT_TRUE(rig.logged("CAM1: the mode dial is on A, not M.")) << "it was turned after the detection";
+    body(1)->status = {};
     family->pull("N1");
     rig.model.heldSessions().lookForGone();
     rig.run(0.1);

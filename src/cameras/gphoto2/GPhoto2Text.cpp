@@ -189,6 +189,14 @@ std::optional<bool> parseAutoISO(std::string_view value) {
     return std::nullopt;
 }
 
+std::optional<int> parseBattery(std::string_view value) {
+    value = base::trimmed(value);
+    if (value.ends_with('%'))
+        value = base::trimmed(value.substr(0, value.size() - 1));
+    const auto percent = base::readInteger(value);
+    return percent && *percent >= 0 && *percent <= 100 ? percent : std::nullopt;
+}
+
 std::vector<Detected> parseAutodetect(std::string_view output) {
     std::vector<Detected> found;
     const auto lines = base::split(output, '\n');

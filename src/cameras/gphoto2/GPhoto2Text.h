@@ -58,6 +58,9 @@ std::optional<ExpProgram> expProgramOf(std::string_view value);
 /// Nothing for a value that is neither a yes nor a no.
 std::optional<bool> parseAutoISO(std::string_view value);
 
+/// The percentage of a battery level, "80%"; nothing for a level in words.
+std::optional<int> parseBattery(std::string_view value);
+
 struct Detected {
     std::string model;
     std::string port; ///< "usb:001,004"

@@ -232,11 +232,17 @@ void GPhoto2Worker::keepAlive() {
 CameraStatus GPhoto2Worker::probe() {
     if (!sessionAlive())
         return {};
-    const auto program =
-        GPhoto2Text::parseExpProgram(session_->runRaw("get-config expprogram", probeTimeout));
-    if (!program)
-        return {};
-    return {.isManual = program->isManual, .modeName = program->modeName};
+    CameraStatus status;
+    const std::string reply = session_->runRaw("get-config expprogram", probeTimeout);
+    if (reply.starts_with("<"))
+        return status; // no answer: a second question would only wait again
+    if (const auto program = GPhoto2Text::parseExpProgram(reply)) {
+        status.isManual = program->isManual;
+        status.modeName = program->modeName;
+    }
+    if (const auto level = session_->getConfigCurrent("batterylevel", probeTimeout))
+        status.batteryPercent = GPhoto2Text::parseBattery(*level);
+    return status;
 }
 
 AutoIsoStatus GPhoto2Worker::probeAutoISO() {
