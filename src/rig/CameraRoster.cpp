@@ -34,8 +34,11 @@ void CameraRoster::removeCamera(const std::string& id) {
     const auto found = std::ranges::find(cameras_, id, [](const Camera& camera) { return camera->id(); });
     if (found == cameras_.end())
         return;
+    const std::string gone = (*found)->id(); // what was given may belong to the body
     (*found)->disconnect();
     cameras_.erase(found);
+    disconnected_.erase(gone);
+    removed_.emit(gone);
     changed_.emit();
 }
 

@@ -76,6 +76,8 @@ public:
 
     /// A body with a serial number was given a label by the user.
     sigc::signal<void(const cameras::CameraControl&, const std::string&)>& labelled() { return labelled_; }
+    /// A body was taken out, by its id.
+    sigc::signal<void(const std::string&)>& removed() { return removed_; }
     /// A body came, went or changed its name.
     sigc::signal<void()>& changed() { return changed_; }
 
@@ -88,6 +90,7 @@ private:
     std::set<std::string> disconnected_;        // camera ids
     int planned_ = 0;
     sigc::signal<void(const cameras::CameraControl&, const std::string&)> labelled_;
+    sigc::signal<void(const std::string&)> removed_;
     sigc::signal<void()> changed_;
 };
 

@@ -292,6 +292,11 @@ void ReconnectDesk::finishReconnect(const std::vector<CameraFamily::Rebound>& re
     }
 }
 
+void ReconnectDesk::forget(const std::string& id) {
+    if (downCams_.contains(id))
+        bodyIsBack(id);
+}
+
 void ReconnectDesk::bodyIsBack(const std::string& id) {
     downCams_.erase(id);
     alarmed_.erase(id);

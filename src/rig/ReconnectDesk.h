@@ -33,6 +33,8 @@ public:
     void flagDisconnect(const CameraRoster::Camera& camera);
     /// A body has left the bus or is wedged: it is looked for without an alarm.
     void requestReconnect(const CameraRoster::Camera& camera);
+    /// A body was taken out of the rig: it is looked for no longer.
+    void forget(const std::string& id);
     /// Forgets all of it, as a new detection does.
     void clearDisconnectState();
     /// The bus has changed: looks at once, if it looks for anybody.

@@ -71,6 +71,7 @@ void RigModel::connectCameras() {
         if (camera->serial().empty())
             reconnect_.flagDisconnect(camera);
     });
+    roster_.removed().connect([this](const std::string& id) { reconnect_.forget(id); });
     reconnect_.reconnected().connect(carry);
     detector_.carried().connect(carry);
     roster_.labelled().connect([this](const cameras::CameraControl& camera, const std::string& label) {

@@ -237,6 +237,21 @@ TEST_F(Reconnect, aGoneDeviceThatIsNotBackWithinThreeFramesRaisesTheAlarm) {
     EXPECT_FALSE(sounding);
 }
 
+TEST_F(Reconnect, aLostBodyThatIsTakenOutIsLookedForNoLonger) {
+    run(2);
+    pull(1);
+    rig.run(6);
+    EXPECT_TRUE(desk.showDisconnectAlarm().get());
+    roster.removeCamera(body(1)->id());
+    EXPECT_FALSE(desk.showDisconnectAlarm().get());
+    EXPECT_FALSE(sounding);
+    EXPECT_EQ(family->holds, 0);
+    family->plugIn("N1");
+    rig.run(60);
+    EXPECT_FALSE(rig.logged("RECONNECTED"));
+    EXPECT_EQ(roster.cameras().size(), 1U);
+}
+
 TEST_F(Reconnect, anIdleBodyIsPingedAndMissedWhenItLeavesTheBus) {
     run(2, 100);
     rig.model.transport().togglePlay();
