@@ -60,6 +60,8 @@ public:
     virtual const std::string& model() const = 0;
     /// The driver family, as the run log names it: "sim", "gphoto2", ...
     virtual std::string backend() const = 0;
+    /// Where the body is plugged in, in the family's words: "usb:001,004"; empty where it has none.
+    virtual std::string port() const { return {}; }
 
     /// False once the driver has let the body go.
     virtual bool connected() const = 0;
@@ -93,9 +95,6 @@ public:
 
     /// Asks for a sign of life where the driver holds a link that would go to sleep without.
     virtual void keepAlive() {}
-
-    /// Where the body is plugged in, as its family names it: "usb:001,004". Empty where it is not known.
-    virtual std::string port() const { return {}; }
 
     /// False for a body that exists in the program only.
     virtual bool isReal() const { return true; }

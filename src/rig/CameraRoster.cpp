@@ -77,9 +77,7 @@ void CameraRoster::setDisconnected(const std::string& id, bool gone) {
 
 std::string CameraRoster::keyOf(const cameras::CameraControl& camera) const {
     const std::string& serial = camera.serial();
-    const bool alone =
-        std::ranges::count(cameras_, serial, [](const Camera& other) { return other->serial(); }) <= 1;
-    return serial.empty() || !alone ? "id:" + camera.id() : "serial:" + serial;
+    return serial.empty() || serialShared(serial) ? "id:" + camera.id() : "serial:" + serial;
 }
 
 void CameraRoster::setLabel(const cameras::CameraControl& camera, const std::string& label) {
@@ -92,6 +90,15 @@ void CameraRoster::setLabel(const cameras::CameraControl& camera, const std::str
 void CameraRoster::setLabelOfSerial(const std::string& serial, const std::string& label) {
     labels_["serial:" + serial] = label;
     changed_.emit();
+}
+
+void CameraRoster::forgetLabelOfSerial(const std::string& serial) {
+    if (labels_.erase("serial:" + serial) > 0)
+        changed_.emit();
+}
+
+bool CameraRoster::serialShared(const std::string& serial) const {
+    return std::ranges::count(cameras_, serial, [](const Camera& camera) { return camera->serial(); }) > 1;
 }
 
 std::string CameraRoster::labelFor(const cameras::CameraControl& camera) const {

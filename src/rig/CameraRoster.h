@@ -40,6 +40,9 @@ public:
     /// bodies have the same.
     void setLabel(const cameras::CameraControl& camera, const std::string& label);
     void setLabelOfSerial(const std::string& serial, const std::string& label);
+    void forgetLabelOfSerial(const std::string& serial);
+    /// Two bodies of the roster report this serial number, so it tells neither from the other.
+    bool serialShared(const std::string& serial) const;
     void setCameraMode(CameraMode mode) { cameraMode_.set(mode); }
 
     /// A model without its maker's prefixes.

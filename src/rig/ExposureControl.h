@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cameras/CameraControl.h"
 #include "exposure/ExposureComp.h"
 #include "script/ZenkaScript.h"
 
@@ -7,6 +8,15 @@
 #include <string>
 
 namespace zenka::rig {
+
+/// What a capture asks of a body.
+inline cameras::Shot shotOf(const script::Capture& capture) {
+    return {.iso = capture.iso,
+            .aperture = capture.aperture,
+            .shutterSec = capture.shutterSec,
+            .bulb = capture.bulb,
+            .expComp = capture.expComp};
+}
 
 /// A capture as it goes to the camera, and what live compensation did to it.
 struct CompensatedCapture {

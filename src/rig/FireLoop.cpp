@@ -126,14 +126,9 @@ void FireLoop::fireOne(const CameraRoster::Camera& camera, const CompensatedCapt
     if (capture.forceFullExposure)
         camera->forceFullExposureNextFrame();
     logbook_.lateness().note((transport_.clockNow() - dueClock) * 1000);
-    camera->capture({.iso = capture.iso,
-                     .aperture = capture.aperture,
-                     .shutterSec = capture.shutterSec,
-                     .bulb = capture.bulb,
-                     .expComp = capture.expComp},
-                    lifeline_.guard([this, shot](const cameras::CaptureOutcome& outcome) {
-                        outcomes_.completed(shot, outcome);
-                    }));
+    camera->capture(shotOf(capture), lifeline_.guard([this, shot](const cameras::CaptureOutcome& outcome) {
+        outcomes_.completed(shot, outcome);
+    }));
 }
 
 void FireLoop::later(double delay, std::function<void()> fire) {

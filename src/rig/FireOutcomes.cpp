@@ -16,17 +16,6 @@ constexpr int silentFramesAllowed = 2;
 constexpr double noGoodFrameSec = 20.0;
 constexpr double deliveredStops = 0.34; // a third of a stop, the rounding of standard values
 
-/// "ISO 200 f/8 EC+1 1/500", the settings of a frame as the operator reads them.
-std::string settingsText(const script::Capture& capture) {
-    std::string text = capture.iso < 1 ? "ISO auto" : absl::StrFormat("ISO %d", capture.iso);
-    text += capture.aperture > 0 ? absl::StrFormat(" f/%g", capture.aperture) : " f/auto";
-    if (capture.expComp != 0)
-        text += absl::StrFormat(" EC%+g", capture.expComp);
-    if (capture.bulb)
-        return text + " BULB";
-    return text + " " + (capture.shutterSec > 0 ? exposure::shutterLabel(capture.shutterSec) : "auto");
-}
-
 RunLogEntry entryOf(const CompensatedCapture& comp, base::Instant scheduled, base::Instant fired) {
     const script::Capture& capture = comp.capture;
     return {.scheduledWall = scheduled,
@@ -103,8 +92,8 @@ void FireOutcomes::delivered(const Shot& shot, const cameras::CaptureOutcome& ou
 
     const std::string result = camera.isReal() ? absl::StrFormat("✓ %.0fms", outcome.latencyMs) : "(sim)";
     lastFire_[id] = result;
-    log_.pushLog("● " + label + "  " + capture.refLabel + "  " + settingsText(capture) + "  " + result +
-                 (shot.comp.ev != 0 ? "  ⟲ " + shot.comp.note : ""));
+    log_.pushLog("● " + label + "  " + capture.refLabel + "  " + settingsText(shotOf(capture)) + "  " +
+                 result + (shot.comp.ev != 0 ? "  ⟲ " + shot.comp.note : ""));
     logbook_.watchCardWriting(camera, label);
 }
 
@@ -129,7 +118,7 @@ void FireOutcomes::writeRow(const Shot& shot, const cameras::CaptureOutcome& out
 void FireOutcomes::noCamera(const CompensatedCapture& comp) {
     const script::Capture& capture = comp.capture;
     ++shotCounts_[capture.camera];
-    log_.pushLog("● " + capture.camera + "  " + capture.refLabel + "  " + settingsText(capture) +
+    log_.pushLog("● " + capture.camera + "  " + capture.refLabel + "  " + settingsText(shotOf(capture)) +
                  "  (no camera, simulated)");
     if (const auto& runLog = logbook_.runLog()) {
         RunLogEntry entry = entryOf(comp, site_.wallAt(capture.offsetSec), ports_.clock.now());

@@ -1,11 +1,24 @@
 #include "rig/FireWording.h"
 
 #include "base/Text.h"
+#include "exposure/ExposureScales.h"
+
+#include <absl/strings/str_format.h>
 
 #include <array>
 #include <utility>
 
 namespace zenka::rig {
+
+std::string settingsText(const cameras::Shot& shot) {
+    std::string text = shot.iso < 1 ? "ISO auto" : absl::StrFormat("ISO %d", shot.iso);
+    text += shot.aperture > 0 ? absl::StrFormat(" f/%g", shot.aperture) : " f/auto";
+    if (shot.expComp != 0)
+        text += absl::StrFormat(" EC%+g", shot.expComp);
+    if (shot.bulb)
+        return text + " BULB";
+    return text + " " + (shot.shutterSec > 0 ? exposure::shutterLabel(shot.shutterSec) : "auto");
+}
 
 std::string friendlyFireNote(const std::string& note) {
     static constexpr std::array<std::pair<const char*, const char*>, 7> phrases{{

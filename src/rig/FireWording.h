@@ -7,6 +7,9 @@
 
 namespace zenka::rig {
 
+/// The settings of a shot as the operator reads them: "ISO 200 f/8 EC+1 1/500".
+std::string settingsText(const cameras::Shot& shot);
+
 /// A driver's note in a phrase short enough for a camera's card.
 std::string friendlyFireNote(const std::string& note);
 

@@ -18,7 +18,8 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
       keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion),
       outcomes_(ports_, log_, site_, roster_, logbook_, transport_),
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
-      manualFire_(ports_, outcomes_), library_(ports_.files, ports_.folders, ports_.queues),
+      manualFire_(ports_, roster_, transport_, outcomes_, families),
+      testShots_(log_, script_, roster_, transport_, outcomes_, manualFire_), library_(ports_, log_, roster_),
       modes_(log_, roster_), detector_(ports_, log_, roster_, transport_, families),
       reconnect_(ports_, log_, roster_, logbook_, transport_, families),
       heldSessions_(ports_, log_, roster_, fireLoop_, families), announcer_(log_, script_),
@@ -63,6 +64,7 @@ void RigModel::connectCameras() {
     const auto carry = [this](const std::string& from, const std::string& to) {
         outcomes_.carry(from, to);
         modes_.carry(from, to);
+        testShots_.carry(from, to);
     };
     heldSessions_.idle().connect([this](const Camera& camera) { modes_.recheck(camera); });
     heldSessions_.gone().connect([this](const Camera& camera) {
@@ -75,12 +77,9 @@ void RigModel::connectCameras() {
     reconnect_.reconnected().connect(carry);
     detector_.carried().connect(carry);
     roster_.labelled().connect([this](const cameras::CameraControl& camera, const std::string& label) {
-        const auto known = library_.find(camera.serial());
-        library_.put({.serial = camera.serial(),
-                      .model = camera.model(),
-                      .label = label,
-                      .lens = known ? known->lens : std::nullopt});
+        library_.noteLabel(camera, label);
     });
+    roster_.changed().connect([this] { manualFire_.followRoster(); });
     detector_.passBegan().connect([this] { reconnect_.clearDisconnectState(); });
     detector_.published().connect([this] {
         reconnect_.setHubs(detector_.hubs());
@@ -96,20 +95,13 @@ void RigModel::bootstrap() {
     site_.restore();
     sites_.restore();
     script_.restore();
-    restoreLibrary();
+    library_.restore();
     recompute();
     transport_.restoreSimClock();
     keeper_.checkForResumableRun();
     keeper_.checkEclipseDay();
     heldSessions_.startKeepAlive();
     fireClock_.startClock();
-}
-
-void RigModel::restoreLibrary() {
-    if (const auto damage = library_.load())
-        log_.pushLog("⚠️ " + *damage);
-    for (const cameras::CameraLibraryEntry& entry : library_.entries())
-        roster_.setLabelOfSerial(entry.serial, entry.label);
 }
 
 void RigModel::recompute() {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "cameras/CameraLibrary.h"
 #include "ports/Ports.h"
 #include "rig/Announcer.h"
 #include "rig/BodyModes.h"
@@ -11,6 +10,7 @@
 #include "rig/FireLoop.h"
 #include "rig/FireOutcomes.h"
 #include "rig/HeldSessions.h"
+#include "rig/LibraryDesk.h"
 #include "rig/ManualFire.h"
 #include "rig/ReconnectDesk.h"
 #include "rig/RenderPace.h"
@@ -21,6 +21,7 @@
 #include "rig/SiteBook.h"
 #include "rig/SiteDesk.h"
 #include "rig/SleepGuard.h"
+#include "rig/TestShots.h"
 #include "rig/Transport.h"
 
 #include <string>
@@ -62,7 +63,8 @@ public:
     FireOutcomes& outcomes() { return outcomes_; }
     FireLoop& fireLoop() { return fireLoop_; }
     ManualFire& manualFire() { return manualFire_; }
-    const cameras::CameraLibrary& library() const { return library_; }
+    TestShots& testShots() { return testShots_; }
+    LibraryDesk& library() { return library_; }
     BodyModes& modes() { return modes_; }
     CameraDetector& detector() { return detector_; }
     ReconnectDesk& reconnect() { return reconnect_; }
@@ -73,7 +75,6 @@ public:
 
 private:
     void connectCameras();
-    void restoreLibrary();
     void advance(double dt);
     void resetFiredTracking();
     double nextDue() const;
@@ -92,7 +93,8 @@ private:
     FireOutcomes outcomes_;
     FireLoop fireLoop_;
     ManualFire manualFire_;
-    cameras::CameraLibrary library_;
+    TestShots testShots_;
+    LibraryDesk library_;
     BodyModes modes_;
     CameraDetector detector_;
     ReconnectDesk reconnect_;

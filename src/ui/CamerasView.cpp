@@ -16,7 +16,18 @@ namespace zenka::ui {
 namespace {
 
 constexpr char genericModel[] = "Simulated body";
-constexpr std::array<const char*, 3> aboutAFrame{"● ", "⚠️ DROPPED  ", "⏭ SKIPPED (not fired): "};
+
+/// The beginnings of the log's lines about a frame, behind which the body's label stands.
+struct FrameLine {
+    std::string_view begins;
+    const char* word; ///< for the card
+};
+constexpr std::array<FrameLine, 4> aboutAFrame{{{"● ", ""},
+                                                {"⚠️ DROPPED  ", "dropped: "},
+                                                {"⏭ SKIPPED (not fired): ", "skipped: "},
+                                                {"⚠️ TEST FAILED  ", "test failed: "}}};
+
+constexpr int longestLens = 28; ///< letters of it on a card
 
 QString qt(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -29,7 +40,14 @@ int countOf(const Counts& counts, const std::string& key) {
 }
 
 QString driverWord(const cameras::CameraControl& camera) {
-    return camera.isReal() ? qt(camera.backend()) : QStringLiteral("simulated");
+    if (!camera.isReal())
+        return QStringLiteral("simulated");
+    const std::string port = camera.port();
+    return qt(camera.backend()) + (port.empty() ? QString() : u' ' + qt(port));
+}
+
+QString shortened(const QString& text, int letters) {
+    return text.size() <= letters ? text : text.left(letters - 1).trimmed() + u'…';
 }
 
 } // namespace
@@ -41,6 +59,8 @@ CamerasView::CamerasView(rig::RigModel& rig, QObject* parent) : QAbstractListMod
     observe(this, rig.outcomes().changed(), refreshed);
     observe(this, rig.transport().activityChanged(), refreshed);
     observe(this, rig.modes().changed(), refreshed);
+    observe(this, rig.library().changed(), refreshed);
+    observe(this, rig.testShots().changed(), refreshed);
     observe(this, rig.detector().detecting().changed(), [this](bool) { Q_EMIT changed(); });
     observe(this, rig.detector().step().changed(), [this](const auto&) { Q_EMIT changed(); });
     observe(this, rig.reconnect().showDisconnectAlarm().changed(), [this](bool) { Q_EMIT alarmChanged(); });
@@ -56,17 +76,15 @@ CamerasView::CamerasView(rig::RigModel& rig, QObject* parent) : QAbstractListMod
 }
 
 void CamerasView::noteLine(const std::string& line) {
-    for (const std::string_view begins : aboutAFrame) {
+    for (const auto& [begins, word] : aboutAFrame) {
         if (!line.starts_with(begins))
             continue;
         const std::string_view rest = std::string_view(line).substr(begins.size());
         const auto end = rest.find("  ");
         if (end == rest.npos)
             return;
-        const LogLine parts = logLine(qt(line));
-        const QString word =
-            parts.state == QLatin1String("fired") ? QString() : parts.state + QStringLiteral(": ");
-        lastLines_[std::string(rest.substr(0, end))] = word + logLine(qt(rest.substr(end + 2))).text;
+        lastLines_[std::string(rest.substr(0, end))] =
+            QString::fromLatin1(word) + logLine(qt(rest.substr(end + 2))).text;
         return refresh();
     }
 }
@@ -90,14 +108,23 @@ CamerasView::Row CamerasView::bodyRow(const rig::CameraRoster::Camera& camera) c
     row.used = std::ranges::any_of(
         tokens, [&](const std::string& token) { return roster.cameraMatches(*camera, token); });
     row.run = rig_.transport().runActive();
+    row.real = camera->isReal();
+    if (row.real) {
+        row.lensFault = qt(rig_.library().lensFault(camera->serial()));
+        const auto known = rig_.library().find(camera->serial());
+        if (known && row.lensFault.isEmpty())
+            row.lens = qt(known->lens.value_or(std::string()));
+    }
     const rig::BodyModes::Mode mode = rig_.modes().of(id);
     if (!mode.modeName.empty())
         row.details += qt(mode.modeName) + QStringLiteral(" · ");
     if (mode.batteryPercent)
         row.details += QStringLiteral("%1 % · ").arg(*mode.batteryPercent);
-    row.details += driverWord(*camera) + QStringLiteral(" · ") +
-                   (gone ? QStringLiteral("not connected") : QStringLiteral("connected")) +
-                   (row.used ? QString() : QStringLiteral(" · not in the script"));
+    row.details +=
+        driverWord(*camera) + QStringLiteral(" · ") +
+        (gone ? QStringLiteral("not connected") : QStringLiteral("connected")) +
+        (row.lens.isEmpty() ? QString() : QStringLiteral(" · ") + shortened(row.lens, longestLens)) +
+        (row.used ? QString() : QStringLiteral(" · not in the script"));
 
     const int fired = countOf(rig_.outcomes().shotCounts(), id);
     const int dropped = countOf(rig_.outcomes().drops(), id);
@@ -109,7 +136,12 @@ CamerasView::Row CamerasView::bodyRow(const rig::CameraRoster::Camera& camera) c
                 : dropped > 0 ? QStringLiteral("drops")
                               : QStringLiteral("ready");
 
-    if (const auto line = lastLines_.find(label); line != lastLines_.end())
+    const auto last = rig_.outcomes().lastFire().find(id);
+    const std::string lastFire = last == rig_.outcomes().lastFire().end() ? "" : last->second;
+    const bool testing = rig_.testShots().firing(id);
+    if (testing)
+        row.lastFrame = QStringLiteral("test: ") + qt(lastFire);
+    else if (const auto line = lastLines_.find(label); line != lastLines_.end())
         row.lastFrame = line->second;
     if (gone)
         row.warning = rig_.reconnect().downCams().contains(id)
@@ -120,10 +152,10 @@ CamerasView::Row CamerasView::bodyRow(const rig::CameraRoster::Camera& camera) c
             QStringLiteral("The drive dial is on continuous: one press takes a burst. Set it to single.");
     else if (const std::string dials = rig_.modes().warningOf(id); !dials.empty())
         row.warning = qt(dials);
-    else if (dropped > 0)
-        if (const auto last = rig_.outcomes().lastFire().find(id);
-            last != rig_.outcomes().lastFire().end() && !last->second.starts_with("✓"))
-            row.warning = QStringLiteral("Dropped: ") + qt(last->second);
+    else if (!testing && lastFire.starts_with("Test: "))
+        row.warning = qt(lastFire);
+    else if (!testing && dropped > 0 && !lastFire.empty() && !lastFire.starts_with("✓"))
+        row.warning = QStringLiteral("Dropped: ") + qt(lastFire);
     return row;
 }
 
@@ -312,6 +344,11 @@ bool CamerasView::setLabel(const QString& id, const QString& label) {
     return true;
 }
 
+void CamerasView::setLens(const QString& id, const QString& lens) {
+    if (const auto camera = find(id))
+        rig_.library().setLens(camera->serial(), lens.toStdString());
+}
+
 void CamerasView::remove(const QString& id) {
     const auto camera = find(id);
     if (!camera)
@@ -372,16 +409,23 @@ QVariant CamerasView::data(const QModelIndex& index, int role) const {
                                           : row.lastFrame) +
                (row.dropped.isEmpty() ? QString() : QStringLiteral("  ") + row.dropped);
     case runRole: return row.run;
+    case realRole: return row.real;
+    case lensRole: return row.lens;
+    case lensFaultRole: return row.lensFault;
     default: return {};
     }
 }
 
 QHash<int, QByteArray> CamerasView::roleNames() const {
-    return {{idRole, "cameraId"},           {missingRole, "missing"},     {labelRole, "label"},
-            {modelRole, "bodyModel"},       {detailsRole, "details"},     {symbolRole, "symbol"},
-            {stateRole, "bodyState"},       {lastFrameRole, "lastFrame"}, {countsRole, "counts"},
-            {droppedRole, "dropped"},       {warningRole, "warning"},     {usedRole, "used"},
-            {statusLineRole, "statusLine"}, {runRole, "runActive"}};
+    return {{idRole, "cameraId"},           {missingRole, "missing"},
+            {labelRole, "label"},           {modelRole, "bodyModel"},
+            {detailsRole, "details"},       {symbolRole, "symbol"},
+            {stateRole, "bodyState"},       {lastFrameRole, "lastFrame"},
+            {countsRole, "counts"},         {droppedRole, "dropped"},
+            {warningRole, "warning"},       {usedRole, "used"},
+            {statusLineRole, "statusLine"}, {runRole, "runActive"},
+            {realRole, "bodyReal"},         {lensRole, "lens"},
+            {lensFaultRole, "lensFault"}};
 }
 
 } // namespace zenka::ui

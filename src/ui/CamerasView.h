@@ -33,7 +33,7 @@ public:
         missingRole, ///< no body: a name of the script
         labelRole,
         modelRole,
-        detailsRole,    ///< "simulated · connected"
+        detailsRole,    ///< "gphoto2 usb:001,004 · connected · 400 mm f/5.6"
         symbolRole,     ///< the state as a shape
         stateRole,      ///< and in a word
         lastFrameRole,  ///< "Pre 62%  ISO 100 f/8 1/500  ✓ 212ms"
@@ -42,7 +42,10 @@ public:
         warningRole,    ///< a sentence, empty for none
         usedRole,       ///< the script has frames for it
         statusLineRole, ///< "● CAM1  Pre 62%  ISO 100 f/8 1/500  ✓ 212ms"
-        runRole         ///< a run is on, in which taking a body away costs frames
+        runRole,        ///< a run is on, in which taking a body away costs frames
+        realRole,       ///< a body of glass and metal, which can bear a lens
+        lensRole,       ///< empty for none
+        lensFaultRole   ///< why no lens can be kept for it; empty when one can
     };
 
     CamerasView(rig::RigModel& rig, QObject* parent);
@@ -64,6 +67,8 @@ public:
     /// False when the label is blank or another body has it; the reason is in labelFault.
     Q_INVOKABLE bool setLabel(const QString& id, const QString& label);
     Q_INVOKABLE QString labelFault(const QString& id, const QString& label) const;
+    /// An empty one takes it away.
+    Q_INVOKABLE void setLens(const QString& id, const QString& lens);
     Q_INVOKABLE void remove(const QString& id);
     /// "CAM1 removed." for the simulated body that undoRemove() brings back, the last one first; empty for
     /// none. A body whose label another one has taken meanwhile is not offered.
@@ -95,6 +100,8 @@ private:
         QString label, model, details, symbol, state, lastFrame, counts, dropped, warning;
         bool used = false;
         bool run = false;
+        bool real = false;
+        QString lens, lensFault;
 
         friend bool operator==(const Row&, const Row&) = default;
     };

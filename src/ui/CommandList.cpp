@@ -132,7 +132,9 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
     Menu(commands, "Cameras")
         .add(
             "detectCams", "Detect Cameras", "Ctrl+D", [&rig] { rig.detector().detectCameras(); },
-            [&rig] { return !rig.detector().detecting().get(); });
+            [&rig] { return !rig.detector().detecting().get(); })
+        .add("testShot", "Test Shot…", "Ctrl+T", sheet("TestShot"))
+        .add("library", "My Cameras…", "Ctrl+B", sheet("Library"));
 
     Menu(commands, "Tools").add("revealRunLogs", "Reveal Run Logs", "", [runLogs] {
         QDesktopServices::openUrl(QUrl::fromLocalFile(runLogs));

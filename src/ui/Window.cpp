@@ -10,6 +10,7 @@
 #include "ui/Commands.h"
 #include "ui/EclipseList.h"
 #include "ui/EditTarget.h"
+#include "ui/LibraryView.h"
 #include "ui/LocationView.h"
 #include "ui/LogView.h"
 #include "ui/NightPointer.h"
@@ -17,6 +18,7 @@
 #include "ui/ScriptView.h"
 #include "ui/SkyItem.h"
 #include "ui/SkyView.h"
+#include "ui/TestShotView.h"
 #include "ui/Theme.h"
 #include "ui/TimelineItem.h"
 #include "ui/TimelineView.h"
@@ -72,6 +74,8 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     context.setContextProperty(QStringLiteral("script"), new ScriptView(rig, ports, this));
     context.setContextProperty(QStringLiteral("location"), new LocationView(rig, ports, this));
     context.setContextProperty(QStringLiteral("cameras"), new CamerasView(rig, this));
+    context.setContextProperty(QStringLiteral("testShot"), new TestShotView(rig, this));
+    context.setContextProperty(QStringLiteral("library"), new LibraryView(rig, this));
     context.setContextProperty(QStringLiteral("updates"), new UpdatesView(ports, version, this));
     context.setContextProperty(QStringLiteral("log"), new LogView(rig, this));
 }

@@ -210,27 +210,3 @@ TEST_F(FireLoop, cardWritingThatFallsBehindIsWarnedOfAtTenAndAtEachDoubling) {
     ASSERT_TRUE(rig.model.logbook().pendingSurvey().get().has_value());
     EXPECT_EQ(rig.model.logbook().pendingSurvey().get()->frames, 50);
 }
-
-TEST_F(FireLoop, aTestShotWaitsForABodyThatHasNotHandedOverItsShutter) {
-    const auto body = rig.addBody("CAM1");
-    const cameras::CaptureOutcome notYet{
-        .ok = false, .note = "ERROR: Could not trigger capture", .responded = true};
-    body->outcomes = {notYet, notYet};
-    std::vector<cameras::CaptureOutcome> results;
-    const auto take = [&](const cameras::CaptureOutcome& outcome) { results.push_back(outcome); };
-    rig.model.manualFire().fireManual(body, {.iso = 100}, take);
-    rig.run(1);
-    EXPECT_EQ(rig.model.outcomes().lastFire().at("id-CAM1"), "waiting for camera…");
-    rig.run(3);
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_TRUE(results[0].ok);
-
-    for (int i = 0; i < 100; ++i)
-        body->outcomes.push_back(notYet);
-    rig.model.manualFire().fireManual(body, {.iso = 100}, take);
-    rig.run(24);
-    EXPECT_EQ(results.size(), 1U);
-    rig.run(3);
-    ASSERT_EQ(results.size(), 2U) << "the patience ends after 25 s";
-    EXPECT_FALSE(results[1].ok);
-}

@@ -23,11 +23,13 @@ public:
     std::optional<int> confirmed;
     std::string family = "gphoto2";
     std::string serialNumber;
+    std::string portName;
 
     const std::string& id() const override { return id_; }
     const std::string& serial() const override { return serialNumber; }
     const std::string& model() const override { return model_; }
     std::string backend() const override { return family; }
+    std::string port() const override { return portName; }
     bool connected() const override { return connected_; }
     double minIntervalSec() const override { return 0.5; }
     void disconnect() override { connected_ = false; }
@@ -36,8 +38,6 @@ public:
     void resume() override { suspended = false; }
     int pings = 0;
     void keepAlive() override { ++pings; }
-    std::string where = "usb:001,002";
-    std::string port() const override { return where; }
     std::optional<int> usbBus() const override { return bus; }
     int shotCount() const override { return static_cast<int>(shots.size()); }
     std::optional<int> confirmedFrames() const override { return confirmed; }

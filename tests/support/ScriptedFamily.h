@@ -58,7 +58,7 @@ public:
         camera->serialNumber = body.serial;
         camera->family = backend_;
         camera->onCapture = onCapture;
-        camera->where = body.port;
+        camera->portName = body.port;
         return [this, camera] {
             made[camera->serial()] = camera;
             return camera;

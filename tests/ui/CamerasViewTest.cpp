@@ -116,6 +116,33 @@ TEST_F(CamerasView, cardsFollowTheFrames) {
     EXPECT_EQ(at(0, Role::stateRole), "gone");
 }
 
+TEST_F(CamerasView, aCardTellsPortAndLensAndWhatCameOfATest) {
+    rig.load(rig.frameAt(0));
+    const auto body = rig.addBody("CAM1");
+    body->portName = "usb:001,004";
+    view.setLens(id(0), QStringLiteral("150-600 mm f/5-6.3 with 1.4x converter"));
+    EXPECT_EQ(at(0, Role::detailsRole), "gphoto2 usb:001,004 · connected · 150-600 mm f/5-6.3 with 1.4…");
+    EXPECT_EQ(at(0, Role::lensRole), "150-600 mm f/5-6.3 with 1.4x converter");
+    view.setLens(id(0), QString());
+    EXPECT_EQ(at(0, Role::detailsRole), "gphoto2 usb:001,004 · connected");
+    const auto twin = rig.addBody("CAM2");
+    twin->serialNumber = body->serialNumber;
+    rig.model.roster().setLabel(*twin, "CAM2");
+    EXPECT_TRUE(at(1, Role::lensFaultRole).starts_with("Two bodies report the serial number SN-id-CAM1"));
+
+    body->outcomes = {{.ok = false, .note = "camera busy", .responded = true}, test::silence()};
+    rig.model.testShots().fire(body, {.iso = 100});
+    EXPECT_EQ(at(0, Role::lastFrameRole), "test: waiting for camera…");
+    EXPECT_EQ(at(0, Role::warningRole), "");
+    rig.run(2);
+    EXPECT_EQ(at(0, Role::lastFrameRole), "test failed: ISO 100 f/auto auto  no answer");
+    EXPECT_EQ(at(0, Role::warningRole), "Test: no answer");
+    EXPECT_EQ(at(0, Role::droppedRole), "") << "a test is no frame of the run";
+    rig.model.testShots().fire(body, {.iso = 100});
+    EXPECT_EQ(at(0, Role::lastFrameRole), "test  ISO 100 f/auto auto  ✓ 212ms");
+    EXPECT_EQ(at(0, Role::warningRole), "");
+}
+
 TEST_F(CamerasView, cardsThatStayAreNotMadeAnewSoThatALabelCanBeTyped) {
     rig.load(rig.frameAt(1, "CAM1"));
     rig.addBody("X");

@@ -67,6 +67,11 @@ TEST_F(WindowNight, dashboardAndEverySheetAreRed) {
     rig.load(rig.frameAt(rig.model.site().contactTHours().at("C2") * 3600));
     rig.playFrom(rig.model.site().contactTHours().at("C2") * 3600 - 5);
     rig.run(8);
+    const auto body = rig.addBody("CAM7");
+    rig.model.roster().setLabel(*body, "CAM7");
+    body->outcomes = {test::silence()};
+    rig.model.testShots().fire(body, {.iso = 100});
+    ASSERT_EQ(rig.model.testShots().result(body->id())->phrase, "no answer");
     QStringList pages = ui::Window::sheets();
     pages.prepend(QString());
     for (const QString& sheet : pages) {

@@ -19,7 +19,11 @@ FocusScope {
     required property string warning
     required property bool used
     required property bool runActive
+    required property bool bodyReal
+    required property string lens
+    required property string lensFault
     property bool asking: false // whether to take the body away
+    property bool askingLens: false
     implicitHeight: column.implicitHeight + 16
     // What has the keyboard is to be seen.
     onActiveFocusChanged: if (activeFocus) ListView.view.positionViewAtIndex(index, ListView.Contain)
@@ -131,11 +135,60 @@ FocusScope {
             ZButton { text: "Keep"; onClicked: card.asking = false }
         }
         ZLabel { width: parent.width; text: card.details; color: theme.quiet; font.pixelSize: theme.small }
-        Row {
-            spacing: 12
-            visible: card.counts !== "" || card.dropped !== ""
-            ZLabel { text: card.counts; font.family: theme.digits; wrapMode: Text.NoWrap; visible: text !== "" }
-            ZLabel { text: card.dropped; font.weight: Font.Bold; color: theme.warning; wrapMode: Text.NoWrap; visible: text !== "" }
+        RowLayout {
+            width: parent.width
+            spacing: 6
+            visible: !card.missing || card.counts !== "" || card.dropped !== ""
+            Flow {
+                Layout.fillWidth: true
+                spacing: 10
+                ZLabel { text: card.counts; font.family: theme.digits; wrapMode: Text.NoWrap; visible: text !== "" }
+                ZLabel { text: card.dropped; font.weight: Font.Bold; color: theme.warning; wrapMode: Text.NoWrap; visible: text !== "" }
+            }
+            ZButton {
+                id: lensButton
+                objectName: "lensButton"
+                visible: !card.missing && card.bodyReal
+                text: "Lens"
+                Accessible.name: card.lens === "" ? "Note the lens of " + card.label : "Lens of " + card.label + ": " + card.lens
+                onClicked: {
+                    card.askingLens = !card.askingLens
+                    if (card.askingLens && card.lensFault === "")
+                        lensField.forceActiveFocus(Qt.TabFocusReason)
+                }
+            }
+            ZButton {
+                objectName: "testButton"
+                visible: !card.missing
+                text: "Test"
+                Accessible.name: "Test shot of " + card.label
+                onClicked: {
+                    testShot.choose(card.cameraId)
+                    app.openSheet("TestShot")
+                }
+            }
+        }
+        LensField {
+            id: lensField
+            objectName: "cardLens"
+            width: parent.width
+            visible: card.askingLens && card.lensFault === ""
+            lens: card.lens
+            owner: card.label
+            passing: true
+            onDecided: (text) => cameras.setLens(card.cameraId, text)
+            onEnded: {
+                const here = activeFocus // else the keyboard has gone elsewhere already
+                card.askingLens = false
+                if (here)
+                    lensButton.forceActiveFocus(Qt.TabFocusReason)
+            }
+        }
+        ZLabel {
+            width: parent.width
+            visible: card.askingLens && card.lensFault !== ""
+            text: card.lensFault
+            font.pixelSize: theme.small
         }
         ZLabel {
             width: parent.width

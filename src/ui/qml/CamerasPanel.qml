@@ -106,37 +106,45 @@ Rectangle {
             Accessible.role: Accessible.List
             Accessible.name: "Cameras"
             delegate: CameraCard { width: list.width - 12 }
-            // A plain column: a layout as the footer of a list never comes to rest.
-            footer: Column {
+            // A plain item: a layout as the footer of a list never comes to rest.
+            footer: Item {
                 width: list.width - 12
-                topPadding: 8
-                spacing: 8
+                height: empty.visible ? empty.height + 8 : 0
                 ZLabel {
+                    id: empty
+                    y: 8
                     width: parent.width
                     visible: text !== ""
                     text: cameras.emptyText
                     color: theme.quiet
                 }
-                ZButton {
-                    id: offerButton
-                    objectName: "addForScript"
-                    width: parent.width
-                    height: Math.max(implicitHeight, offerText.implicitHeight + 12)
-                    visible: cameras.offer !== ""
-                    text: cameras.offer
-                    strong: true
-                    onClicked: cameras.addForScript()
-                    contentItem: Text {
-                        id: offerText
-                        text: cameras.offer
-                        color: theme.accent
-                        font: offerButton.font
-                        wrapMode: Text.Wrap
-                        horizontalAlignment: Text.AlignHCenter
-                        verticalAlignment: Text.AlignVCenter
-                    }
-                }
             }
+        }
+        ZButton {
+            id: offerButton
+            objectName: "addForScript"
+            Layout.fillWidth: true
+            implicitHeight: Math.max(32, offerText.implicitHeight + 12)
+            visible: cameras.offer !== ""
+            text: cameras.offer
+            strong: true
+            onClicked: cameras.addForScript()
+            contentItem: Text {
+                id: offerText
+                text: cameras.offer
+                color: theme.accent
+                font: offerButton.font
+                wrapMode: Text.Wrap
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+            }
+        }
+        ZButton {
+            objectName: "openLibrary"
+            Layout.fillWidth: true
+            visible: panel.height >= 340 // the cards come first
+            text: "My cameras…"
+            onClicked: app.openSheet("Library")
         }
     }
 }

@@ -5,6 +5,7 @@ import QtQuick.Layouts
 // Sky, cameras and log in one place, for small windows.
 ColumnLayout {
     id: pane
+    objectName: "tabPane"
     property int current: 0
     spacing: 2
     RowLayout {

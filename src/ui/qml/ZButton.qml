@@ -12,8 +12,9 @@ Button {
     font.weight: strong ? Font.Bold : theme.weight
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
-    Keys.onReturnPressed: if (enabled) clicked()
-    Keys.onEnterPressed: if (enabled) clicked()
+    // A key that is held down acts once.
+    Keys.onReturnPressed: (event) => { if (enabled && !event.isAutoRepeat) clicked() }
+    Keys.onEnterPressed: (event) => { if (enabled && !event.isAutoRepeat) clicked() }
     contentItem: Text {
         text: control.text
         font: control.font

@@ -70,12 +70,32 @@ int main(int argc, char** argv) {
     rig.model.script().compile();
     for (const char* label : {"CAM1", "CAM2"})
         rig.model.roster().setLabel(*rig.model.roster().addPlanningCamera("Generic PTP"), label);
+    const auto body = std::make_shared<test::ScriptedCamera>("nikon");
+    body->portName = "usb:001,004";
+    const auto known = [&rig](const rig::CameraRoster::Camera& camera, const char* label, const char* lens) {
+        rig.model.roster().add(camera);
+        rig.model.roster().setLabel(*camera, label);
+        rig.model.library().setLens(camera->serial(), lens);
+    };
+    known(std::make_shared<test::ScriptedCamera>("4004371", "Z9"), "Wide", "20 mm f/1.8");
+    known(body, "CAM3", "500 mm f/5.6 PF");
+    rig.model.roster().setRealCameras({});
+
+    // A test shot that the body refuses for as long as it is tried.
+    const cameras::CaptureOutcome notYet{
+        .ok = false, .note = "ERROR: Could not trigger capture", .responded = true};
+    body->outcomes.assign(30, notYet);
+    rig.model.roster().setRealCameras({body});
+    rig.model.testShots().fire(body, {.iso = 100, .aperture = 8, .shutterSec = 0.002});
+    rig.run(30);
+    rig.model.roster().setRealCameras({});
     rig.playFrom(rig.model.site().contactTHours().at("C2") * 3600 - 600);
     rig.run(590); // ten seconds before totality
 
-    const auto body = std::make_shared<test::ScriptedCamera>("nikon");
-    rig.model.roster().setLabelOfSerial(body->serial(), "CAM3");
-
+    const auto showTab = [&window](int tab) { // of a small window
+        if (auto* pane = window.quickWindow()->findChild<QObject*>(QStringLiteral("tabPane")))
+            pane->setProperty("current", tab);
+    };
     Album album(window, argv[1]);
     album.shoot("prompt");
     window.app().declinePrompt(); // it is eclipse day
@@ -89,13 +109,17 @@ int main(int argc, char** argv) {
             rig.model.reconnect().flagDisconnect(body);
             album.shoot("alarm" + suffix);
             rig.model.reconnect().clearDisconnectState();
-            rig.model.roster().setRealCameras({});
+            rig.model.roster().setRealCameras({body}); // first of all
+            showTab(1);
+            album.shoot("cards" + suffix);
+            showTab(0);
             for (const QString& sheet : window.sheets()) {
                 window.app().openSheet(sheet);
                 rig.run(0.001); // what is computed aside arrives
                 album.shoot(sheet.toStdString() + suffix);
                 window.app().closeSheet();
             }
+            rig.model.roster().setRealCameras({});
         }
     }
 }

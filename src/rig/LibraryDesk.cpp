@@ -1,0 +1,102 @@
+#include "rig/LibraryDesk.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace zenka::rig {
+
+LibraryDesk::LibraryDesk(const ports::Ports& ports, RigLog& log, CameraRoster& roster)
+    : log_(log), roster_(roster), library_(ports.files, ports.folders, ports.queues) {
+}
+
+void LibraryDesk::restore() {
+    if (const auto damage = library_.load())
+        log_.pushLog("⚠️ " + *damage);
+    for (const Entry& entry : library_.entries())
+        roster_.setLabelOfSerial(entry.serial, entry.label);
+    changed_.emit();
+}
+
+void LibraryDesk::noteLabel(const cameras::CameraControl& camera, const std::string& label) {
+    const std::string& serial = camera.serial();
+    if (serial.empty() || roster_.serialShared(serial))
+        return;
+    const auto known = library_.find(serial);
+    put({.serial = serial,
+         .model = camera.model(),
+         .label = label,
+         .lens = known ? known->lens : std::nullopt});
+}
+
+void LibraryDesk::setLens(const std::string& serial, std::string_view lens) {
+    if (!lensFault(serial).empty())
+        return;
+    const std::string_view text = base::trimmed(lens);
+    std::optional<Entry> entry = library_.find(serial);
+    if (!entry && !text.empty()) {
+        if (const auto body = bodyOf(serial))
+            entry = {.serial = serial, .model = body->model(), .label = roster_.labelFor(*body), .lens = {}};
+    }
+    if (!entry)
+        return;
+    entry->lens = text.empty() ? std::nullopt : std::optional<std::string>(text);
+    put(*entry);
+}
+
+std::string LibraryDesk::lensFault(const std::string& serial) const {
+    if (serial.empty())
+        return "This body does not tell its serial number, so no lens can be remembered for it.";
+    if (roster_.serialShared(serial))
+        return "Two bodies report the serial number " + serial +
+               ", so a lens cannot be remembered for one of them. Unplug the other one first.";
+    return {};
+}
+
+void LibraryDesk::put(const Entry& entry) {
+    std::erase_if(forgotten_, [&](const Entry& each) { return each.serial == entry.serial; });
+    library_.put(entry);
+    changed_.emit();
+}
+
+void LibraryDesk::forget(const std::string& serial) {
+    const auto entry = library_.find(serial);
+    if (!entry)
+        return;
+    forgotten_.push_back(*entry);
+    library_.remove(serial);
+    if (!bodyOf(serial)) // the script may call one that is here by its label
+        roster_.forgetLabelOfSerial(serial);
+    changed_.emit();
+}
+
+void LibraryDesk::undoForget() {
+    if (forgotten_.empty())
+        return;
+    const Entry entry = forgotten_.back();
+    roster_.setLabelOfSerial(entry.serial, entry.label);
+    put(entry);
+}
+
+CameraRoster::Camera LibraryDesk::bodyOf(const std::string& serial) const {
+    const auto& cameras = roster_.cameras();
+    const auto found =
+        std::ranges::find(cameras, serial, [](const auto& camera) { return camera->serial(); });
+    return found == cameras.end() ? nullptr : *found;
+}
+
+bool LibraryDesk::isHere(const std::string& serial) const {
+    return std::ranges::any_of(roster_.cameras(), [&](const auto& camera) {
+        return camera->serial() == serial && camera->connected() && !roster_.isDisconnected(camera->id());
+    });
+}
+
+std::vector<LibraryDesk::Entry> LibraryDesk::absentLibraryBodies() const {
+    std::vector<Entry> absent;
+    std::ranges::copy_if(entries(), std::back_inserter(absent),
+                         [this](const Entry& entry) { return !isHere(entry.serial); });
+    return absent;
+}
+
+} // namespace zenka::rig
