@@ -19,6 +19,7 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -47,23 +48,27 @@ int runWindow(int argc, char** argv) {
          {services::serviceHostKey, services::updateAddressKey, rig::settingsKeys::elevationHost})
         settings.letEnvironmentRule(key);
     platform::LinuxFolders folders;
+    // Work on the machine's queues may still use these when all else has gone.
+    std::optional<cameras::CameraDaemons> daemons;
+    std::optional<cameras::GPhoto2Program> gphoto2;
     platform::LinuxPorts machine(settings, folders);
-    cameras::CameraDaemons daemons(machine.processes, machine.queues);
+    daemons.emplace(machine.processes, machine.queues);
     std::function<void(const std::string&)> log = [](const std::string&) {};
-    cameras::GPhoto2Program gphoto2({.children = machine.children,
-                                     .daemons = daemons,
-                                     .queues = machine.queues,
-                                     .loop = machine.loop,
-                                     .clock = machine.clock,
-                                     .settings = settings,
-                                     .folders = folders,
-                                     .files = machine.files,
-                                     .programFolder = QCoreApplication::applicationDirPath().toStdString(),
-                                     .warn = [&log](const std::string& words) { log(words); }});
+    gphoto2.emplace(
+        cameras::GPhoto2Machine{.children = machine.children,
+                                .daemons = *daemons,
+                                .queues = machine.queues,
+                                .loop = machine.loop,
+                                .clock = machine.clock,
+                                .settings = settings,
+                                .folders = folders,
+                                .files = machine.files,
+                                .programFolder = QCoreApplication::applicationDirPath().toStdString(),
+                                .warn = [&log](const std::string& words) { log(words); }});
     // A maker's family is a line here; the order among them is that of a detection.
-    const rig::CameraDetector::Families families{std::make_shared<rig::GPhoto2Family>(gphoto2, machine.usb)};
+    const rig::CameraDetector::Families families{std::make_shared<rig::GPhoto2Family>(*gphoto2, machine.usb)};
     rig::RigModel rig(machine.all, ZENKA_VERSION, families);
-    services::ModelStatsFetch statistics(machine.all, gphoto2.modelStats());
+    services::ModelStatsFetch statistics(machine.all, gphoto2->modelStats());
     statistics.primeModelStats();
     log = [&rig](const std::string& words) { rig.log().pushLog("⚠️ " + words); };
     machine.usb.watch([&rig] {

@@ -27,7 +27,6 @@ public:
     LinuxClock clock;
     QtMainLoop loop;
     LinuxFiles files;
-    ThreadWorkQueues queues;
     LinuxFireTimer fireTimer;
     LinuxKeepAwake keepAwake;
     LinuxStallSampler stallSampler;
@@ -36,6 +35,7 @@ public:
     LinuxUsbBus usb;
     LinuxProcessTable processes;
     QtHttpClient http{loop};
+    ThreadWorkQueues queues; ///< ends first, with what is under way on it
     ports::Ports all;
 };
 

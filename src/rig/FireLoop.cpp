@@ -126,9 +126,17 @@ void FireLoop::fireOne(const CameraRoster::Camera& camera, const CompensatedCapt
     if (capture.forceFullExposure)
         camera->forceFullExposureNextFrame();
     logbook_.lateness().note((transport_.clockNow() - dueClock) * 1000);
-    camera->capture(shotOf(capture), lifeline_.guard([this, shot](const cameras::CaptureOutcome& outcome) {
-        outcomes_.completed(shot, outcome);
+    const int number = ++lastShot_;
+    underWay_.emplace(number, shot);
+    camera->capture(shotOf(capture), lifeline_.guard([this, number](const cameras::CaptureOutcome& outcome) {
+        if (const auto ended = underWay_.extract(number); !ended.empty())
+            outcomes_.completed(ended.mapped(), outcome);
     }));
+}
+
+void FireLoop::giveUpUnderWay() {
+    for (const auto& [number, shot] : std::exchange(underWay_, {}))
+        outcomes_.completed(shot, {.note = "no answer before the program ended", .responded = true});
 }
 
 void FireLoop::later(double delay, std::function<void()> fire) {

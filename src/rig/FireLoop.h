@@ -10,6 +10,7 @@
 #include "rig/ScriptDesk.h"
 #include "rig/Transport.h"
 
+#include <map>
 #include <optional>
 
 namespace zenka::rig {
@@ -39,6 +40,9 @@ public:
     /// was to leave, its stagger included.
     void fireCapture(const script::Capture& capture, double dueClock);
 
+    /// The program ends: what has not been answered yet is dropped, so that it has its row.
+    void giveUpUnderWay();
+
     /// Captures handed to the fire step, and those counted as past.
     const base::Published<int>& firedCount() const { return firedCount_; }
     /// Captures given up after a leap of the clock.
@@ -61,7 +65,9 @@ private:
     const Transport& transport_;
     FireOutcomes& outcomes_;
 
-    std::size_t cursor_ = 0; // captures below it have been handled
+    std::size_t cursor_ = 0;                     // captures below it have been handled
+    std::map<int, FireOutcomes::Shot> underWay_; // by number
+    int lastShot_ = 0;
     int fireGeneration_ = 0; // a delayed fire of another generation is cancelled
     double lastFireScanClock_ = 0;
     base::Published<int> firedCount_{0};

@@ -88,13 +88,20 @@ std::vector<FoundBody> GPhoto2Family::enumerate(const std::vector<FoundBody>& li
 }
 
 CameraFamily::MakeDriver GPhoto2Family::connect(const FoundBody& body, const Tell&) {
+    return driverOf(body, When::detection);
+}
+
+CameraFamily::MakeDriver GPhoto2Family::driverOf(const FoundBody& body, When when) {
     const std::string id =
         "gphoto2-" + (body.serial.empty() ? body.port : body.serial) + "-" + std::to_string(++made_);
-    return [&program = program_, body, id] {
+    return [&program = program_, body, id, when] {
         auto camera = std::make_shared<cameras::GPhoto2Camera>(
             program, cameras::GPhoto2Camera::Body{
                          .id = id, .model = body.model, .port = body.port, .serial = body.serial});
-        camera->warmUp(); // for those that are driven through a held session
+        if (camera->usePersistent())
+            camera->warmUp();
+        else if (when == When::detection)
+            camera->learnChoices();
         return camera;
     };
 }
@@ -118,11 +125,11 @@ std::vector<CameraFamily::Rebound> GPhoto2Family::rebind(const std::vector<DownB
         if (alive.resetRevived)
             tell(wanted->label + ": its USB link was stuck and has been reset.");
         back.push_back({.id = wanted->id,
-                        .make = connect({.model = wanted->model,
-                                         .port = detected.port,
-                                         .serial = *device->serial,
-                                         .hub = device->hub},
-                                        tell)});
+                        .make = driverOf({.model = wanted->model,
+                                          .port = detected.port,
+                                          .serial = *device->serial,
+                                          .hub = device->hub},
+                                         When::midRun)});
         missing.erase(wanted);
     }
     return back;

@@ -25,6 +25,9 @@ public:
     void letServicesOn() override { program_.machine().daemons.release(); }
 
 private:
+    /// When a driver is made: only at a detection is there time to learn what the body offers.
+    enum class When { detection, midRun };
+    MakeDriver driverOf(const FoundBody& body, When when);
     bool usable(const Tell& tell);
 
     cameras::GPhoto2Program& program_;

@@ -33,10 +33,21 @@ void HeldSessions::keepAliveHeldSessions() {
         if (!held(*camera) || fireLoop_.dueWithin(*camera, roomForAPing))
             continue;
         camera->keepAlive();
-        if (!fireLoop_.dueWithin(*camera, roomForQuestions))
+    }
+    askTheIdle();
+    lookForGone();
+}
+
+void HeldSessions::askSoon() {
+    for (const base::Seconds delay : {base::Seconds{5}, base::Seconds{15}})
+        ports_.loop.after(delay, lifeline_.guard([this] { askTheIdle(); }));
+}
+
+void HeldSessions::askTheIdle() {
+    for (const auto& camera : roster_.cameras()) {
+        if (held(*camera) && !fireLoop_.dueWithin(*camera, roomForQuestions))
             idle_.emit(camera);
     }
-    lookForGone();
 }
 
 void HeldSessions::lookForGone() {

@@ -28,6 +28,10 @@ public:
     /// bodies that have gone. One with a frame soon is left alone.
     void keepAliveHeldSessions();
 
+    /// Bodies have just been found: they are asked how they are set soon and once more, as one may need some
+    /// tries to be held.
+    void askSoon();
+
     /// Looks which bodies are no longer on the bus.
     void lookForGone();
 
@@ -37,6 +41,7 @@ public:
     sigc::signal<void(const CameraRoster::Camera&)>& gone() { return gone_; }
 
 private:
+    void askTheIdle();
     bool held(const cameras::CameraControl& camera) const;
     void tellGone(const std::vector<std::string>& ids);
 

@@ -40,6 +40,10 @@ CameraRoster::Camera ReconnectDesk::cameraOf(const std::string& id) const {
     return found == cameras.end() ? nullptr : *found;
 }
 
+std::string ReconnectDesk::serialOf(const cameras::CameraControl& camera) const {
+    return roster_.serialShared(camera.serial()) ? std::string() : camera.serial();
+}
+
 void ReconnectDesk::flagDisconnect(const CameraRoster::Camera& camera) {
     const std::string id = camera->id();
     if (!camera->isReal() || !alarmed_.insert(id).second)
@@ -49,9 +53,10 @@ void ReconnectDesk::flagDisconnect(const CameraRoster::Camera& camera) {
     noteFlapping(id, name);
     if (!toldAsGroup(*camera))
         tellDisconnected(*camera, name);
-    if (camera->serial().empty())
-        cameraRecoveryHint_.set(name + " has no serial number to be known by, so it does not come back by "
-                                       "itself. Check cable and power, then press Detect when no run is on.");
+    if (serialOf(*camera).empty())
+        cameraRecoveryHint_.set(
+            name + " has no serial number of its own to be known by, so it does not come back by "
+                   "itself. Check cable and power, then press Detect when no run is on.");
     raiseAlarm();
     startReconnectLoop();
 }
@@ -60,7 +65,7 @@ void ReconnectDesk::requestReconnect(const CameraRoster::Camera& camera) {
     const std::string name = roster_.labelFor(*camera);
     if (!camera->isReal() || downCams_.contains(camera->id()))
         return;
-    if (camera->serial().empty()) {
+    if (serialOf(*camera).empty()) {
         if (noSerialTold_.insert(camera->id()).second)
             log_.pushLog(name + " can't be single-camera reconnected (no serial). Use Detect.");
         return;
@@ -72,7 +77,7 @@ void ReconnectDesk::requestReconnect(const CameraRoster::Camera& camera) {
 
 void ReconnectDesk::recordDownCam(const cameras::CameraControl& camera, const std::string& name) {
     downCams_[camera.id()] = {.id = camera.id(),
-                              .serial = camera.serial(),
+                              .serial = serialOf(camera),
                               .model = camera.model(),
                               .label = name,
                               .backend = camera.backend()};
@@ -112,7 +117,7 @@ bool ReconnectDesk::toldAsGroup(const cameras::CameraControl& camera) {
 
 void ReconnectDesk::tellDisconnected(const cameras::CameraControl& camera, const std::string& name) {
     log_.pushLog("🛑 CAMERA DISCONNECTED: " + name);
-    const bool idle = !transport_.runActive() && !camera.serial().empty();
+    const bool idle = !transport_.runActive() && !serialOf(camera).empty();
     const std::string words =
         "Warning. Camera " + name +
         (idle ? " disconnected (idle). Re-plug or power-cycle; I rebind it automatically."

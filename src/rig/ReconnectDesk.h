@@ -68,6 +68,9 @@ private:
 
     double now() const { return ports_.clock.continuousSeconds(); }
     CameraRoster::Camera cameraOf(const std::string& id) const;
+    /// The serial number that a body is looked for by; empty also where two bodies have the same, as the one
+    /// that is still there would be taken for the lost one.
+    std::string serialOf(const cameras::CameraControl& camera) const;
     void recordDownCam(const cameras::CameraControl& camera, const std::string& name);
     void noteFlapping(const std::string& id, const std::string& name);
     /// True when it is one of several at once, which is told instead of the single one.

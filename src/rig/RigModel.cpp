@@ -69,8 +69,8 @@ void RigModel::connectCameras() {
     heldSessions_.idle().connect([this](const Camera& camera) { modes_.recheck(camera); });
     heldSessions_.gone().connect([this](const Camera& camera) {
         reconnect_.requestReconnect(camera);
-        // One without a serial number does not come back by itself.
-        if (camera->serial().empty())
+        // One that cannot be known again does not come back by itself.
+        if (!reconnect_.downCams().contains(camera->id()))
             reconnect_.flagDisconnect(camera);
     });
     roster_.removed().connect([this](const std::string& id) { reconnect_.forget(id); });
@@ -84,6 +84,7 @@ void RigModel::connectCameras() {
     detector_.published().connect([this] {
         reconnect_.setHubs(detector_.hubs());
         modes_.recheckModes();
+        heldSessions_.askSoon();
     });
     keeper_.rebindCameras().connect([this] {
         detector_.useRealCameras();
@@ -110,6 +111,7 @@ void RigModel::recompute() {
 
 void RigModel::handleAppWillTerminate() {
     script_.keep();
+    fireLoop_.giveUpUnderWay();
     logbook_.closeForExit();
     keeper_.closeForExit();
     detector_.cancelDetect();

@@ -66,8 +66,20 @@ TEST(GPhoto2Text, onlyTheFaultOfTheFiringVerbFailsAShot) {
 TEST(GPhoto2Text, theTailOfADeadSessionReadsWithoutPrompts) {
     EXPECT_EQ(outputTail("gphoto2: {/rig} /> \n", 160), "(no output)");
     EXPECT_EQ(outputTail("gphoto2: {/rig} /> trigger-capture\nPTP I/O Error\n", 13), "PTP I/O Error");
+    EXPECT_EQ(outputTail("gphoto2: {/rig} /> gphoto2: {/rig} /> exit\n", 160), "exit");
     EXPECT_EQ(outputTail(std::string(5000, 'x'), 160).size(), 160U);
+    EXPECT_EQ(outputTail("Kamera in Köln", 8), "in Köln");
+    EXPECT_EQ(outputTail("Kamera in Köln", 3), "ln") << "no half letter";
+    EXPECT_EQ(outputTail("\xEF\xBB\xBF", 160), "(no output)");
     EXPECT_EQ(decoded("Andr\xe9"), "André");
+}
+
+TEST(GPhoto2Text, listsHoldOnlyWhatIsThereAndReadAsText) {
+    EXPECT_EQ(choices("Choice: 0 1/500\nChoice: 1\nChoice:\nChoice: 2  \nChoice: Bulb\n"),
+              (std::vector<std::string>{"1/500", "Bulb"}));
+    const std::string heading = "Model   Port\n------\n";
+    EXPECT_EQ(parseAutodetect(heading + "Andr\xe9  usb:001,\xe9\n no port\n"),
+              (std::vector<Detected>{{.model = "André", .port = "usb:001,é"}}));
 }
 
 TEST(GPhoto2Text, brandsDecideTheRouteToABody) {

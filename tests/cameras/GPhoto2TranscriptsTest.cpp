@@ -88,6 +88,26 @@ TEST(GPhoto2Transcripts, everyPromptIsCountedHoweverTheBytesArrive) {
     }
 }
 
+TEST(ShellOutput, anOutputWithoutEndIsHeldToItsLimitAndLosesNoPrompt) {
+    constexpr std::size_t limit = 1000;
+    ShellOutput output(limit);
+    std::size_t prompts = 0;
+    for (int i = 0; i < 100; ++i) {
+        for (const std::string_view piece :
+             {"gphoto", "2: {/a} /> trigger-capture\n", "UNKNOWN PTP Property d11b changed\n"})
+            output.append(piece);
+        EXPECT_EQ(output.prompts(), ++prompts);
+        EXPECT_LE(output.text().size(), limit);
+    }
+    EXPECT_EQ(GPhoto2Text::countPrompts(output.repliesOf(3)), 4U);
+    output.append(std::string(5 * limit, 'x'));
+    output.append("\ngphoto2: {/a} /> ");
+    EXPECT_EQ(output.prompts(), prompts + 1);
+    EXPECT_LE(output.text().size(), limit);
+    output.trimToLastPrompt();
+    EXPECT_EQ(output.text(), "gphoto2: {/a} /> ");
+}
+
 TEST(GPhoto2Transcripts, aCommandFailsExactlyWhereTheRecordingSaysSo) {
     int looked = 0;
     int failed = 0;

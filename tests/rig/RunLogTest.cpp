@@ -119,6 +119,23 @@ TEST(RunLog, aShotInFlightAtTheEndStillBringsItsRow) {
     EXPECT_EQ(nlohmann::json::parse(rig.files.only(".json"))["shot_count"], 2);
 }
 
+TEST(RunLog, aShotInFlightWhenTheProgramEndsIsARowAndNeverTwo) {
+    VirtualRig rig;
+    const auto body = rig.addBody("CAM1");
+    rig.load(rig.frameAt(10) + rig.frameAt(11) + rig.frameAt(90));
+    rig.playFrom(0);
+    rig.run(10.5);
+    body->holdCompletions = true;
+    rig.run(1);
+    rig.model.handleAppWillTerminate();
+    body->complete();
+    rig.run(1);
+    const auto rows = rig.rows();
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[1][13], "dropped");
+    EXPECT_EQ(rows[1][15], "no answer before the program ended");
+}
+
 TEST(RunLog, theOnlyShotMayCompleteLongAfterAnEmptyLogWasRemoved) {
     VirtualRig rig;
     const auto body = rig.addBody("CAM1");

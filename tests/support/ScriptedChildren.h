@@ -41,6 +41,7 @@ public:
 
     std::string launchFault; ///< no child starts
     bool promptless = false; ///< no shell gets to its first prompt
+    std::string silentPort;  ///< neither does one on this port
     bool takesInput = true;  ///< else a write is not taken
     std::vector<ports::ChildStart> starts;
     std::vector<std::string> commands; ///< of all shells
@@ -61,13 +62,13 @@ private:
         Child(ScriptedChildren& owner, const ports::ChildStart& start) : owner_(owner) {
             ++owner_.living;
             if (!start.arguments.empty() && start.arguments.back() == "--shell") {
-                if (!owner_.promptless)
+                if (!owner_.promptless && start.arguments[1] != owner_.silentPort)
                     say(0.05, prompt);
                 return;
             }
-            const Single single = owner_.single(start.arguments);
-            say(single.seconds, single.out, single.err);
-            end(single.code);
+            const Single run = owner_.single(start.arguments);
+            say(run.seconds, run.out, run.err);
+            end(run.code);
         }
         ~Child() override { --owner_.living; }
 
@@ -159,12 +160,12 @@ private:
                 end(0);
                 return;
             }
-            const Answer answer = owner_.answer(command);
-            hung_ = stubborn_ = answer.hangs;
+            const Answer said = owner_.answer(command);
+            hung_ = stubborn_ = said.hangs;
             if (hung_)
                 return;
-            say(answer.seconds, echo + answer.text + (answer.dies ? "" : prompt));
-            if (answer.dies)
+            say(said.seconds, echo + said.text + (said.dies ? "" : prompt));
+            if (said.dies)
                 end(1);
         }
 

@@ -39,8 +39,12 @@ int MemoryFiles::count(const std::string& ending) const {
 }
 
 VirtualRig::VirtualRig(const rig::CameraDetector::Families& families)
-    : machine(anHourBefore(), folders, files, places, http),
-      model(withLoop(machine.all, loop), "9.9", families) {
+    : VirtualRig([&families](platform::VirtualPorts&) { return families; }) {
+}
+
+VirtualRig::VirtualRig(const MakeFamilies& make)
+    : machine(anHourBefore(), folders, files, places, http), 
+      model(withLoop(machine.all, loop), "9.9", make(machine)) {
     model.log().lineAdded().connect([this](const std::string& line) { lines.push_back(line); });
     model.recompute();
     model.fireClock().startClock();

@@ -8,6 +8,7 @@
 #include "support/ScriptedHttp.h"
 #include "support/WatchedLoop.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,6 +22,9 @@ public:
     VirtualRig() : VirtualRig(rig::CameraDetector::Families{}) {}
     /// With families that lead to real bodies.
     explicit VirtualRig(const rig::CameraDetector::Families& families);
+    /// With families that stand on the virtual machine themselves.
+    using MakeFamilies = std::function<rig::CameraDetector::Families(platform::VirtualPorts&)>;
+    explicit VirtualRig(const MakeFamilies& make);
 
     MemoryFiles files;
     MemoryFolders folders;

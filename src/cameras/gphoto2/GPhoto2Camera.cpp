@@ -87,6 +87,10 @@ void GPhoto2Camera::warmUp() {
         queue_->post([worker = worker_] { worker->warmUp(); });
 }
 
+void GPhoto2Camera::learnChoices() {
+    queue_->post([worker = worker_] { worker->learnChoices(); });
+}
+
 void GPhoto2Camera::keepAlive() {
     if (busy_ || !connected_)
         return; // a shot says as much

@@ -15,8 +15,14 @@ namespace {
 
 constexpr std::string_view errorMark = "*** Error";
 
+/// The last bytes, from the beginning of a letter on.
 std::string_view cutTail(std::string_view text, std::size_t length) {
-    return text.size() > length ? text.substr(text.size() - length) : text;
+    if (text.size() <= length)
+        return text;
+    text.remove_prefix(text.size() - length);
+    for (int more = 3; more > 0 && !text.empty() && (text.front() & 0xC0) == 0x80; --more)
+        text.remove_prefix(1);
+    return text;
 }
 
 /// The values behind a mark at the beginning of a line, trimmed.
@@ -132,26 +138,26 @@ std::string outputTail(std::string_view output, std::size_t length) {
     constexpr std::size_t looked = 400;
     std::string text;
     for (std::string_view line : base::split(cutTail(output, looked), '\n')) {
-        if (const std::size_t prompt = line.find(promptMark); prompt != line.npos) {
+        // One that came without an answer stands in the line of the next.
+        if (const std::size_t prompt = line.rfind(promptMark); prompt != line.npos) {
             const std::size_t end = line.find("> ", prompt);
             line = end == line.npos ? std::string_view() : line.substr(end + 2);
         }
         text += std::string(line) + "\n";
     }
-    const std::string_view tail = cutTail(base::trimmed(text), length);
-    return tail.empty() ? "(no output)" : decoded(tail);
+    const std::string tail = decoded(cutTail(base::trimmed(text), length));
+    return tail.empty() ? "(no output)" : tail;
 }
 
 std::vector<std::string> choices(std::string_view reply) {
     std::vector<std::string> found;
-    for (const std::string_view value : valuesOf(reply, "Choice:")) {
+    for (std::string_view value : valuesOf(reply, "Choice:")) {
         // "12 1/500": the number in front is the index.
         const std::size_t blank = value.find(' ');
-        const bool indexed = base::readInteger(value.substr(0, blank)).has_value();
-        if (!indexed)
+        if (base::readInteger(value.substr(0, blank)))
+            value = blank == value.npos ? std::string_view() : base::trimmed(value.substr(blank));
+        if (!value.empty())
             found.emplace_back(value);
-        else if (blank != value.npos)
-            found.emplace_back(base::trimmed(value.substr(blank)));
     }
     return found;
 }
@@ -206,7 +212,7 @@ std::vector<Detected> parseAutodetect(std::string_view output) {
         if (at == line.npos)
             continue;
         found.push_back({.model = decoded(base::trimmed(line.substr(0, at))),
-                         .port = std::string(base::trimmed(line.substr(at)))});
+                         .port = decoded(base::trimmed(line.substr(at)))});
     }
     return found;
 }

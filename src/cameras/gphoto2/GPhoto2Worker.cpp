@@ -166,7 +166,7 @@ void GPhoto2Worker::setSession(std::unique_ptr<GPhoto2Session> session) {
     const std::lock_guard lock(armedLock_);
     killable_ = session_;
     armed_ = session_ != nullptr && session_->alive();
-    if (session_ && killed_)
+    if (session_ && (killed_ || !connected_))
         session_->kill();
 }
 
@@ -184,9 +184,17 @@ bool GPhoto2Worker::buildSession(double startAperture) {
     return true;
 }
 
-std::unique_ptr<GPhoto2Session> GPhoto2Worker::shortSession() const {
-    auto session = std::make_unique<GPhoto2Session>(program_, GPhoto2Session::Setup{.port = port_});
-    return session->start(startTimeout) ? std::move(session) : nullptr;
+std::shared_ptr<GPhoto2Session> GPhoto2Worker::shortSession() {
+    if (!connected_)
+        return nullptr;
+    auto session = std::make_shared<GPhoto2Session>(program_, GPhoto2Session::Setup{.port = port_});
+    {
+        const std::lock_guard lock(armedLock_);
+        killable_ = session;
+        if (killed_ || !connected_)
+            session->kill();
+    }
+    return session->start(startTimeout) ? session : nullptr;
 }
 
 void GPhoto2Worker::dropSession() {
@@ -265,7 +273,7 @@ AutoIsoStatus GPhoto2Worker::probeAutoISO() {
 std::vector<GPhoto2Readiness::Warning> GPhoto2Worker::readReadiness() {
     if (sessionAlive())
         return GPhoto2Readiness::judge(GPhoto2Readiness::ask(*session_, probeTimeout), model_);
-    const auto session = connected_ ? shortSession() : nullptr;
+    const auto session = shortSession();
     if (!session)
         return {};
     const auto answers = GPhoto2Readiness::ask(*session, probeTimeout);
@@ -277,7 +285,7 @@ void GPhoto2Worker::readExposureChoices() {
     setProfileError({});
     if (sessionAlive()) {
         takeRead(*session_, profileReadTimeout);
-    } else if (const auto session = connected_ ? shortSession() : nullptr) {
+    } else if (const auto session = shortSession()) {
         takeRead(*session, profileReadTimeout);
         session->stop();
     } else {
@@ -286,6 +294,11 @@ void GPhoto2Worker::readExposureChoices() {
     }
     if (exposureChoices().empty())
         setProfileError(noLists);
+}
+
+void GPhoto2Worker::learnChoices() {
+    if (exposureChoices().empty() && GPhoto2Choices::shouldReadChoicesLive(emptyReads_))
+        readExposureChoices();
 }
 
 void GPhoto2Worker::readChoicesIfNeedBe(When when) {
@@ -333,6 +346,14 @@ void GPhoto2Worker::writeDiagnostics(GPhoto2Session& session) {
 }
 
 // --- shared state
+
+void GPhoto2Worker::setConnected(bool connected) {
+    connected_ = connected;
+    const std::lock_guard lock(armedLock_);
+    // It would hold the body for up to half a minute against its next driver, and the program's end up.
+    if (!connected && killable_ && !armed_)
+        killable_->kill();
+}
 
 bool GPhoto2Worker::armed() const {
     const std::lock_guard lock(armedLock_);

@@ -40,12 +40,14 @@ public:
     CameraStatus probe();
     AutoIsoStatus probeAutoISO();
     void readExposureChoices();
+    /// Reads them unless they are known, or the model has given none too often.
+    void learnChoices();
     std::vector<GPhoto2Readiness::Warning> readReadiness();
 
     // --- any thread
 
-    /// False: no shot is fired and no session built any more.
-    void setConnected(bool connected) { connected_ = connected; }
+    /// False: no shot is fired and no session built any more, and one that is being built is given up.
+    void setConnected(bool connected);
     bool armed() const;
     std::optional<bool> tookControl() const;
     ExposureChoices exposureChoices() const;
@@ -69,7 +71,8 @@ private:
     void afterFailure(const GPhoto2Session::Fired& fired);
     bool sessionAlive() const { return session_ && session_->alive(); }
     bool buildSession(double startAperture);
-    std::unique_ptr<GPhoto2Session> shortSession() const;
+    /// One for some questions, nothing when the body cannot be held.
+    std::shared_ptr<GPhoto2Session> shortSession();
     void readChoicesIfNeedBe(When when);
     void takeRead(GPhoto2Session& session, base::Seconds perKey);
     void writeDiagnostics(GPhoto2Session& session);

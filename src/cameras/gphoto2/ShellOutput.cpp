@@ -17,8 +17,8 @@ void ShellOutput::append(std::string_view piece) {
     // A mark that has come in part is found when its rest has come.
     if (buffer_.size() >= promptMark.size())
         scanned_ = std::max(scanned_, buffer_.size() - promptMark.size() + 1);
-    if (buffer_.size() > limit)
-        dropFront(buffer_.size() - limit / 2);
+    if (buffer_.size() > limit_)
+        dropFront(buffer_.size() - limit_ / 2);
 }
 
 std::string_view ShellOutput::repliesOf(std::size_t commands) const {

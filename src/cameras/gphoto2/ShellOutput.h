@@ -10,7 +10,10 @@ namespace zenka::cameras {
 /// It keeps the end of an output that grows without bound.
 class ShellOutput {
 public:
-    static constexpr std::size_t limit = std::size_t{4} << 20;
+    static constexpr std::size_t usualLimit = std::size_t{4} << 20;
+
+    /// It holds no more bytes than the limit.
+    explicit ShellOutput(std::size_t limit = usualLimit) : limit_(limit) {}
 
     void append(std::string_view piece);
 
@@ -29,6 +32,7 @@ public:
 private:
     void dropFront(std::size_t count);
 
+    const std::size_t limit_;
     std::string buffer_;
     std::size_t scanned_ = 0; // where the search for the next prompt begins
     std::size_t prompts_ = 0;

@@ -29,6 +29,14 @@ namespace {
 constexpr int nikon = 0x04b0;
 constexpr int fujifilm = 0x04cb;
 
+/// A folder for programs with a gphoto2 of its own beside it.
+std::filesystem::path programsBelow(const std::filesystem::path& root) {
+    const auto bundle = root / "lib/zenka/gphoto2/bin";
+    std::filesystem::create_directories(bundle);
+    std::filesystem::create_symlink(ZENKA_SOURCE_DIR "/tests/support/gphoto2_apart", bundle / "gphoto2");
+    return root / "bin";
+}
+
 struct RealGphoto2 : testing::Test {
     test::UsbCameras bus;
     test::TempFolder root;
@@ -45,7 +53,8 @@ struct RealGphoto2 : testing::Test {
                                                             .clock = machine.clock,
                                                             .settings = settings,
                                                             .folders = folders,
-                                                            .files = machine.files}};
+                                                            .files = machine.files,
+                                                            .programFolder = programsBelow(root.path())}};
     ports::Ports ports{machine.clock, loop,          machine.queues,    machine.fireTimer,    settings,
                        folders,       machine.files, machine.keepAwake, machine.stallSampler, machine.places,
                        machine.http};
@@ -132,6 +141,8 @@ TEST_F(RealGphoto2, aPulledBodyIsBackByItselfWhileTheOtherGoesOnFiring) {
     EXPECT_EQ(bus.tell("6012345", "fNumber"), 800);
     EXPECT_EQ(bus.tell("6012345", "time"), 20);
     EXPECT_EQ(bus.tell("F77", "iso"), 200);
+    EXPECT_EQ(bus.tell("F77", "time"), 20);
+    EXPECT_GT(rows("F77", "per-shot shutterspeed=0.0020s"), 0) << "in the words of the body's own list";
 
     const int before = bus.tell("6012345", "shots");
     bus.pull("6012345");
