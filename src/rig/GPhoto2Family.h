@@ -21,8 +21,8 @@ public:
     std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) override;
     std::vector<std::string> goneFromBus(const std::vector<HeldBody>& held) override;
     int pollsBetweenScans() const override { return 3; }
-    void holdServicesOff() override { program_.machine().daemons.hold(); }
-    void letServicesOn() override { program_.machine().daemons.release(); }
+    void holdServicesOff() override { program_.machine().daemons.startDaemonSuppressor(); }
+    void letServicesOn() override { program_.machine().daemons.stopDaemonSuppressor(); }
 
 private:
     /// When a driver is made: only at a detection is there time to learn what the body offers.

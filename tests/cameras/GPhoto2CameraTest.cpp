@@ -130,6 +130,21 @@ TEST_F(GPhoto2CameraTest, aSessionThatCannotBeBuiltIsTriedAgainOnlyAfterItsBackO
     EXPECT_TRUE(bench.shoot(*camera).ok);
 }
 
+TEST_F(GPhoto2CameraTest, aBodyThatCannotBeClaimedIsToldWithWhatMayHoldIt) {
+    const auto camera = bench.body();
+    bench.processes.list = {{.id = 16, .name = "darktable", .mine = true}};
+    bench.children.launchFault = "No such file";
+    camera->warmUp();
+    bench.run(3);
+    EXPECT_TRUE(bench.warnings.empty()) << "it is tried three times";
+    bench.run(3);
+    EXPECT_EQ(bench.warnings,
+              std::vector<std::string>{"Nikon DSC D750: the camera could not be claimed. These "
+                                       "programs take hold of cameras: darktable. Quit them, "
+                                       "then Detect again."});
+    EXPECT_TRUE(bench.processes.ended.empty());
+}
+
 TEST_F(GPhoto2CameraTest, aFreshSessionMaySettleAndOneThatHasFiredMayNot) {
     const auto camera = bench.body();
     refusal = "ERROR: Could not trigger capture.\n";
@@ -363,28 +378,29 @@ TEST(CameraDaemons, onlyTheUsersOwnAreEndedAndTheHoldsAreCounted) {
                             {.id = 12, .name = "gvfsd-gphoto2", .mine = false},
                             {.id = 13, .name = "gvfs-gphoto2-vo", .mine = true},
                             {.id = 14, .name = "gvfsd-mtp", .mine = true},
-                            {.id = 15, .name = "kio_camera", .mine = true}};
-    bench.daemons.freeNow();
+                            {.id = 15, .name = "kio_camera", .mine = true},
+                            {.id = 16, .name = "darktable", .mine = true}};
+    bench.daemons.killCameraDaemons();
     EXPECT_EQ(bench.processes.ended, (std::vector<int>{11, 13, 15}));
-    EXPECT_EQ(bench.daemons.grabbing()->size(), 4U);
+    EXPECT_EQ(bench.daemons.cameraGrabbingProcesses()->size(), 5U);
 
     bench.processes.scans = 0;
-    bench.daemons.release(); // one too many
-    bench.daemons.hold();
-    bench.daemons.hold();
+    bench.daemons.stopDaemonSuppressor(); // one too many
+    bench.daemons.startDaemonSuppressor();
+    bench.daemons.startDaemonSuppressor();
     bench.run(0.31);
     EXPECT_EQ(bench.processes.scans, 3) << "at once and every 150 ms, one timer for all";
-    bench.daemons.release();
+    bench.daemons.stopDaemonSuppressor();
     bench.run(0.15);
     EXPECT_EQ(bench.processes.scans, 4);
-    bench.daemons.release();
+    bench.daemons.stopDaemonSuppressor();
     bench.run(5);
     EXPECT_EQ(bench.processes.scans, 4);
-    bench.daemons.hold();
+    bench.daemons.startDaemonSuppressor();
     bench.run(0);
     EXPECT_EQ(bench.processes.scans, 5);
-    bench.daemons.release();
+    bench.daemons.stopDaemonSuppressor();
 
     bench.processes.list = std::nullopt;
-    EXPECT_EQ(bench.daemons.grabbing(), std::nullopt);
+    EXPECT_EQ(bench.daemons.cameraGrabbingProcesses(), std::nullopt);
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <mutex>
+#include <span>
 
 namespace zenka::cameras {
 
@@ -16,8 +17,18 @@ constexpr base::Seconds beat{0.150};
 constexpr std::array<std::string_view, 3> daemonNames{"gvfs-gphoto2-volume-monitor", "gvfsd-gphoto2",
                                                       "kio_camera"};
 
+constexpr std::array<std::string_view, 7> programNames{
+    "digikam", "darktable", "entangle", "gphotofs", "gthumb", "rapid-photo-downloader", "shotwell"};
+
 // A process that a scan can read no more of than its /proc comm has the first 15 bytes of its name.
 constexpr std::size_t shortNameLength = 15;
+
+bool isOneOf(std::span<const std::string_view> names, std::string_view processName) {
+    return std::ranges::any_of(names, [processName](std::string_view name) {
+        return processName == name ||
+               (processName.size() == shortNameLength && name.starts_with(processName));
+    });
+}
 
 } // namespace
 
@@ -32,7 +43,7 @@ struct CameraDaemons::Suppressor : std::enable_shared_from_this<Suppressor> {
     std::uint64_t generation = 0; // of the beats that run
     std::shared_ptr<ports::WorkQueue> queue;
 
-    void freeNow() {
+    void killCameraDaemons() {
         const auto running = processes.running();
         if (!running)
             return;
@@ -47,7 +58,7 @@ struct CameraDaemons::Suppressor : std::enable_shared_from_this<Suppressor> {
             if (holds == 0 || mine != generation)
                 return;
         }
-        freeNow();
+        killCameraDaemons();
         const std::lock_guard lock(mutex);
         if (holds > 0 && mine == generation)
             queue->postAfter(beat, [self = shared_from_this(), mine] { self->beatOf(mine); });
@@ -68,28 +79,30 @@ CameraDaemons::~CameraDaemons() {
 }
 
 bool CameraDaemons::isDaemon(std::string_view processName) {
-    return std::ranges::any_of(daemonNames, [processName](std::string_view name) {
-        return processName == name ||
-               (processName.size() == shortNameLength && name.starts_with(processName));
-    });
+    return isOneOf(daemonNames, processName);
 }
 
-void CameraDaemons::freeNow() {
-    suppressor_->freeNow();
+bool CameraDaemons::isCameraProgram(std::string_view processName) {
+    return isOneOf(programNames, processName);
 }
 
-std::optional<std::vector<std::string>> CameraDaemons::grabbing() {
+void CameraDaemons::killCameraDaemons() {
+    suppressor_->killCameraDaemons();
+}
+
+std::optional<std::vector<std::string>> CameraDaemons::cameraGrabbingProcesses() {
     const auto running = suppressor_->processes.running();
     if (!running)
         return std::nullopt;
     std::vector<std::string> names;
     for (const ports::RunningProcess& process : *running)
-        if (isDaemon(process.name) && std::ranges::find(names, process.name) == names.end())
+        if ((isDaemon(process.name) || isCameraProgram(process.name)) &&
+            std::ranges::find(names, process.name) == names.end())
             names.push_back(process.name);
     return names;
 }
 
-void CameraDaemons::hold() {
+void CameraDaemons::startDaemonSuppressor() {
     const std::lock_guard lock(suppressor_->mutex);
     if (++suppressor_->holds > 1)
         return;
@@ -98,7 +111,7 @@ void CameraDaemons::hold() {
     suppressor_->queue->post([self = suppressor_, mine = ++suppressor_->generation] { self->beatOf(mine); });
 }
 
-void CameraDaemons::release() {
+void CameraDaemons::stopDaemonSuppressor() {
     const std::lock_guard lock(suppressor_->mutex);
     if (suppressor_->holds > 0)
         --suppressor_->holds;

@@ -13,8 +13,9 @@
 namespace zenka::cameras {
 
 /// The desktop's daemons that open every camera plugged in, and so hold the device that a driver wants.
-/// They are started anew on each plug-in and within moments of being ended. Any thread; none of it waits
-/// but freeNow() and grabbing(), which scan the process table and do not belong on the main thread.
+/// They are started anew on each plug-in and within moments of being ended. Any thread; none of it waits but
+/// killCameraDaemons() and cameraGrabbingProcesses(), which scan the process table and do not belong on the
+/// main thread.
 class CameraDaemons {
 public:
     CameraDaemons(ports::ProcessTable& processes, ports::WorkQueues& queues);
@@ -23,21 +24,22 @@ public:
     CameraDaemons& operator=(const CameraDaemons&) = delete;
 
     /// Ends those of this user, by id.
-    void freeNow();
+    void killCameraDaemons();
 
-    /// The names of those that run, whoever's they are; nothing when the scan failed.
-    std::optional<std::vector<std::string>> grabbing();
+    /// The names of what runs and is known to hold cameras, whoever's it is: the daemons, and programs that
+    /// are the user's to quit and are never ended. Nothing when the scan failed.
+    std::optional<std::vector<std::string>> cameraGrabbingProcesses();
 
-    /// Counted: from the first hold() to the last release() they are ended again and again, at once and
-    /// then every 150 ms, on a queue of its own. A release too many does nothing.
-    void hold();
-    void release();
+    /// Counted: from the first start to the last stop the daemons are ended again and again, at once and then
+    /// every 150 ms, on a queue of its own. A stop too many does nothing.
+    void startDaemonSuppressor();
+    void stopDaemonSuppressor();
 
     /// A hold for a scope.
     class Held {
     public:
-        explicit Held(CameraDaemons& daemons) : daemons_(daemons) { daemons_.hold(); }
-        ~Held() { daemons_.release(); }
+        explicit Held(CameraDaemons& daemons) : daemons_(daemons) { daemons_.startDaemonSuppressor(); }
+        ~Held() { daemons_.stopDaemonSuppressor(); }
         Held(const Held&) = delete;
         Held& operator=(const Held&) = delete;
 
@@ -46,6 +48,8 @@ public:
     };
 
     static bool isDaemon(std::string_view processName);
+    /// A program for people that takes hold of cameras.
+    static bool isCameraProgram(std::string_view processName);
 
 private:
     struct Suppressor;

@@ -104,12 +104,12 @@ GPhoto2Program::Result GPhoto2Program::runOnce(const std::string& port,
 
 GPhoto2Program::Result GPhoto2Program::run(const std::string& port, const std::vector<std::string>& arguments,
                                            Seconds timeout) {
-    machine_.daemons.freeNow();
+    machine_.daemons.killCameraDaemons();
     machine_.pause(Seconds{0.2});
     Result result = runOnce(port, arguments, timeout);
     if (result.ok() || !base::containsIgnoringCase(result.errorText, "claim"))
         return result;
-    machine_.daemons.freeNow();
+    machine_.daemons.killCameraDaemons();
     machine_.pause(Seconds{0.35});
     return runOnce(port, arguments, timeout);
 }

@@ -222,6 +222,22 @@ void GPhoto2Worker::warmUp(int triesLeft) {
     if (triesLeft > 1 && queue)
         queue->postAfter(warmUpPause,
                          [self = shared_from_this(), triesLeft] { self->warmUp(triesLeft - 1); });
+    else if (connected_)
+        tellUnclaimed();
+}
+
+void GPhoto2Worker::tellUnclaimed() {
+    std::string programs;
+    for (const std::string& name :
+         program_.machine().daemons.cameraGrabbingProcesses().value_or(std::vector<std::string>()))
+        if (CameraDaemons::isCameraProgram(name))
+            programs += (programs.empty() ? "" : ", ") + name;
+    const std::string cause =
+        programs.empty()
+            ? "Quit other camera programs, set its USB mode to PC or PTP, unplug it and plug it in again"
+            : "These programs take hold of cameras: " + programs + ". Quit them";
+    onMain([words = model_ + ": the camera could not be claimed. " + cause +
+                    ", then Detect again."](const GPhoto2Machine& machine) { machine.warn(words); });
 }
 
 void GPhoto2Worker::keepAlive() {

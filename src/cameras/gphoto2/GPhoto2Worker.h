@@ -65,6 +65,8 @@ private:
     enum class When { warmUp, duringAShot };
 
     void warmUp(int triesLeft);
+    /// Why the operator waits in vain for a body, as far as it can be known.
+    void tellUnclaimed();
     CaptureOutcome shootHeld(const Shot& shot, base::Seconds timeout);
     CaptureOutcome shootOnce(const Shot& shot, base::Seconds timeout);
     /// What a failed shot of the session makes of it.
