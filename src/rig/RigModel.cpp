@@ -16,6 +16,7 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
       script_(ports_, log_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
       sleepGuard_(ports_.keepAwake, log_), transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
       keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion),
+      exposure_(ports_, log_, site_, script_, roster_, logbook_),
       outcomes_(ports_, log_, site_, roster_, logbook_, transport_),
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
       manualFire_(ports_, roster_, transport_, outcomes_, families),
@@ -47,6 +48,7 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
     transport_.activityChanged().connect([this] { fireClock_.retuneTickRate(); });
     transport_.runBegan().connect([this](TimingMode mode) {
         outcomes_.clearResults();
+        exposure_.resetForRun();
         keeper_.saveRunState(mode == TimingMode::live ? RunState::ArmKind::real
                                                       : RunState::ArmKind::simulation);
     });

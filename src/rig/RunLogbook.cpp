@@ -58,7 +58,6 @@ void RunLogbook::beginRunLog(const std::string& kind) {
     runLog_ = std::make_shared<RunLog>(ports_, queue_, std::move(meta), baseName);
     lastCsvPath_ = runLog_->csvPath();
     log_.pushLog("📝 Run log → " + baseName + ".csv");
-    runLog_->event("exposure compensation reset to 0 for every camera (new run)", site_.timeZone());
 }
 
 /// Two runs may begin within one second, and each has its own files.

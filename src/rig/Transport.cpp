@@ -168,8 +168,8 @@ void Transport::takeLiveClock(double clock) {
 }
 
 void Transport::beginLiveRun() {
-    runBegan_.emit(TimingMode::live);
     logbook_.beginRunLog("real");
+    runBegan_.emit(TimingMode::live);
     sleepGuard_.update(live(), playing_.get());
 }
 
