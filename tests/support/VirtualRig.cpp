@@ -43,7 +43,7 @@ VirtualRig::VirtualRig(const rig::CameraDetector::Families& families)
 }
 
 VirtualRig::VirtualRig(const MakeFamilies& make)
-    : machine(anHourBefore(), folders, files, places, http), 
+    : machine(anHourBefore(), folders, files, places, http),
       model(withLoop(machine.all, loop), "9.9", make(machine)) {
     model.log().lineAdded().connect([this](const std::string& line) { lines.push_back(line); });
     model.recompute();
