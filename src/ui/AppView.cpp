@@ -69,6 +69,7 @@ void AppView::setSheet(const QString& name) {
     if (sheet_ == QLatin1String("Welcome"))
         rig_.script().dismissWelcome();
     sheet_ = name;
+    typing_ = false; // a field that goes with its sheet does not say so
     rig_.renderPace().setSheetCoveringDashboard(coversDashboard(sheet_));
     Q_EMIT sheetChanged();
 }

@@ -37,6 +37,8 @@ public:
     Q_INVOKABLE void quit();
     void askToQuit();
     Q_INVOKABLE bool mayClose();
+    /// Opens a sheet that leads back to the one that is open now.
+    Q_INVOKABLE void openPage(const QString& name);
     /// Opens a page of the documents that are built in.
     void openGuide(const QString& title, const QString& page);
     /// Opens the list of keys, headed by those of the place that one is in.
@@ -72,13 +74,12 @@ Q_SIGNALS:
     void scriptLineWanted(int lineNo);
 
 private:
-    void openPage(const QString& name);
     void setSheet(const QString& name);
 
     rig::RigModel& rig_;
     const QString version_;
     QString sheet_;
-    QString sheetBelow_; ///< the one to go back to from a page to read
+    QString sheetBelow_; ///< the one to go back to
     QString keysHere_;
     QString guidePage_;
     QString guideFile_;

@@ -123,7 +123,25 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
     Menu(commands, "Simulation")
         .add(
             "togglePlay", "Play / Pause", "Ctrl+P", [&transport] { transport.togglePlay(); }, simulated)
-        .add("jumpToTime", "Jump to Time…", "Ctrl+0", sheet("Jump"), simulated);
+        // One key: with compensation on it takes that back, as in the field there is no time for a menu.
+        .add("jumpToTime", "Jump to Time…", "Ctrl+0", [&rig, &app] {
+            if (rig.exposure().compActive())
+                rig.exposure().resetExposureComp(true);
+            else if (!rig.transport().live())
+                app.openSheet(QStringLiteral("Jump"));
+        });
+
+    const auto notTyping = [&app] { return !app.typing(); };
+    Menu(commands, "Exposure")
+        .add("compensation", "Exposure Compensation…", "Ctrl+K", sheet("Compensation"))
+        .add(
+            "compUp", "All Cameras +1 Stop", "Ctrl+Up", [&rig] { rig.exposure().nudgeAllComp(1); }, notTyping)
+        .add(
+            "compDown", "All Cameras −1 Stop", "Ctrl+Down", [&rig] { rig.exposure().nudgeAllComp(-1); },
+            notTyping)
+        .add(
+            "compReset", "Reset Compensation", "", [&rig] { rig.exposure().resetExposureComp(true); },
+            [&rig] { return rig.exposure().compActive(); });
 
     Menu(commands, "Timing")
         .add("simTiming", "Simulated Clock", "", sheet("LeaveLive"), live)

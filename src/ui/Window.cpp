@@ -8,6 +8,8 @@
 #include "ui/ClockView.h"
 #include "ui/CommandList.h"
 #include "ui/Commands.h"
+#include "ui/CompRulesView.h"
+#include "ui/CompensationView.h"
 #include "ui/EclipseList.h"
 #include "ui/EditTarget.h"
 #include "ui/LibraryView.h"
@@ -76,6 +78,8 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     context.setContextProperty(QStringLiteral("cameras"), new CamerasView(rig, this));
     context.setContextProperty(QStringLiteral("testShot"), new TestShotView(rig, this));
     context.setContextProperty(QStringLiteral("library"), new LibraryView(rig, this));
+    context.setContextProperty(QStringLiteral("compensation"), new CompensationView(rig, this));
+    context.setContextProperty(QStringLiteral("compRules"), new CompRulesView(rig, this));
     context.setContextProperty(QStringLiteral("updates"), new UpdatesView(ports, version, this));
     context.setContextProperty(QStringLiteral("log"), new LogView(rig, this));
 }

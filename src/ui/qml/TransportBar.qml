@@ -46,6 +46,15 @@ Rectangle {
             Layout.fillWidth: true
         }
         ZButton {
+            objectName: "compensation"
+            text: compensation.summary
+            strong: compensation.active
+            leftPadding: 8; rightPadding: 8
+            Layout.maximumWidth: 220
+            onClicked: commands.trigger("compensation")
+            Accessible.name: "Exposure compensation, " + compensation.summary
+        }
+        ZButton {
             text: "Arm real eclipse…"
             visible: !clock.live
             strong: true

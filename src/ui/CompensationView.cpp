@@ -1,0 +1,198 @@
+#include "ui/CompensationView.h"
+
+#include "rig/FireWording.h"
+#include "rig/RigModel.h"
+#include "ui/Observe.h"
+
+#include <algorithm>
+#include <string>
+
+namespace zenka::ui {
+
+namespace {
+
+QString qt(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+QString stopsText(int stops) {
+    return stops > 0 ? QStringLiteral("+%1").arg(stops) : QString::number(stops);
+}
+
+QString originOf(const exposure::CompGaps& gaps) {
+    if (gaps.source == "script")
+        return QStringLiteral("from the script's CAMSET line");
+    if (gaps.source == "profile")
+        return QStringLiteral("from this body's profile (no CAMSET line in the script)");
+    return QStringLiteral("defaults (no CAMSET line, body not profiled)");
+}
+
+template <typename Change>
+void changeOffsets(rig::ExposureControl& control, const QString& token, Change change) {
+    const auto& all = control.compOffsets().get();
+    const auto found = all.find(token.toStdString());
+    exposure::CompOffsets offsets = found == all.end() ? exposure::CompOffsets{} : found->second;
+    change(offsets);
+    control.setOffsets(token.toStdString(), offsets);
+}
+
+/// Asking for stops turns a camera on that may be.
+void turnOn(const rig::ExposureControl& control, const QString& token, exposure::CompOffsets& offsets) {
+    offsets.enabled = offsets.enabled || control.rules().hasSavedCompRules(token.toStdString());
+}
+
+} // namespace
+
+CompensationView::CompensationView(rig::RigModel& rig, QObject* parent)
+    : QAbstractListModel(parent), rig_(rig) {
+    const auto refreshed = [this] { refresh(); };
+    observe(this, rig.exposure().compOffsets().changed(), [this](const auto&) { refresh(); });
+    observe(this, rig.exposure().leaveTotalityAlone().changed(), [this](bool) { refresh(); });
+    observe(this, rig.exposure().rules().changed(), [this](const auto&) { refresh(); });
+    observe(this, rig.roster().changed(), refreshed);
+    observe(this, rig.script().compiled(), refreshed);
+    observe(this, rig.renderPace().renderTick().changed(), [this](auto) { refresh(); });
+    refresh();
+}
+
+const script::Capture* CompensationView::nextOf(const std::string& token) const {
+    const auto& byToken = rig_.script().capturesByToken();
+    const auto its = byToken.find(token);
+    if (its == byToken.end())
+        return nullptr;
+    const auto next =
+        std::ranges::upper_bound(its->second, rig_.transport().clock(), {}, &script::Capture::offsetSec);
+    return next == its->second.end() ? nullptr : &*next;
+}
+
+CompensationView::Row CompensationView::rowOf(const std::string& token) const {
+    const rig::ExposureControl& control = rig_.exposure();
+    const auto& all = control.compOffsets().get();
+    const auto found = all.find(token);
+    const exposure::CompOffsets offsets = found == all.end() ? exposure::CompOffsets{} : found->second;
+    Row row{.token = qt(token),
+            .partials = stopsText(offsets.partials),
+            .totality = stopsText(offsets.linked ? offsets.partials : offsets.totality),
+            .gaps = originOf(control.compGaps(token)),
+            .next = {},
+            .note = {},
+            .on = offsets.enabled,
+            .linked = offsets.linked,
+            .hasRules = control.rules().hasSavedCompRules(token)};
+    const script::Capture* next = nextOf(token);
+    if (!next) {
+        row.next = QStringLiteral("no frame to come");
+        return row;
+    }
+    const rig::CompensatedCapture as = control.compensated(*next);
+    const std::string before = rig::settingsText(rig::shotOf(*next));
+    const std::string after = rig::settingsText(rig::shotOf(as.capture));
+    row.next = QStringLiteral("next: ") + qt(next->refLabel) + QStringLiteral("  ") + qt(before) +
+               (after == before ? QString() : QStringLiteral("  →  ") + qt(after));
+    row.note = qt(as.note);
+    return row;
+}
+
+void CompensationView::refresh() {
+    std::vector<Row> rows;
+    for (const std::string& token : rig_.exposure().timelineTokens())
+        rows.push_back(rowOf(token));
+    const bool sameTokens = std::ranges::equal(rows, rows_, {}, &Row::token, &Row::token);
+    if (!sameTokens) {
+        beginResetModel();
+        rows_ = std::move(rows);
+        endResetModel();
+    } else {
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            if (rows_[i] == rows[i])
+                continue;
+            rows_[i] = rows[i];
+            Q_EMIT dataChanged(index(static_cast<int>(i)), index(static_cast<int>(i)));
+        }
+    }
+    Q_EMIT changed();
+}
+
+QString CompensationView::summary() const {
+    return QStringLiteral("EV ") + qt(rig_.exposure().compSummary());
+}
+
+QString CompensationView::emptyText() const {
+    return rows_.empty() ? QStringLiteral("No camera yet. Write a script or add a body first.") : QString();
+}
+
+bool CompensationView::active() const {
+    return rig_.exposure().compActive();
+}
+
+bool CompensationView::leaveTotalityAlone() const {
+    return rig_.exposure().leaveTotalityAlone().get();
+}
+
+void CompensationView::setLeaveTotalityAlone(bool alone) {
+    rig_.exposure().setLeaveTotalityAlone(alone);
+}
+
+bool CompensationView::setOn(const QString& token, bool on) {
+    if (on && !rig_.exposure().rules().hasSavedCompRules(token.toStdString()))
+        return false;
+    changeOffsets(rig_.exposure(), token, [on](auto& offsets) { offsets.enabled = on; });
+    return true;
+}
+
+void CompensationView::nudgePartials(const QString& token, int by) {
+    changeOffsets(rig_.exposure(), token, [&](auto& offsets) {
+        turnOn(rig_.exposure(), token, offsets);
+        offsets.partials += by;
+    });
+}
+
+void CompensationView::nudgeTotality(const QString& token, int by) {
+    changeOffsets(rig_.exposure(), token, [&](auto& offsets) {
+        turnOn(rig_.exposure(), token, offsets);
+        offsets.totality += by;
+    });
+}
+
+void CompensationView::setLinked(const QString& token, bool linked) {
+    changeOffsets(rig_.exposure(), token, [linked](auto& offsets) { offsets.linked = linked; });
+}
+
+void CompensationView::nudgeAll(int by) {
+    rig_.exposure().nudgeAllComp(by);
+}
+
+void CompensationView::reset() {
+    rig_.exposure().resetExposureComp(true);
+}
+
+int CompensationView::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+QVariant CompensationView::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount())
+        return {};
+    const Row& row = rows_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case Qt::DisplayRole:
+    case tokenRole: return row.token;
+    case onRole: return row.on;
+    case partialsRole: return row.partials;
+    case totalityRole: return row.totality;
+    case linkedRole: return row.linked;
+    case hasRulesRole: return row.hasRules;
+    case gapsRole: return row.gaps;
+    case nextRole: return row.next;
+    case noteRole: return row.note;
+    default: return {};
+    }
+}
+
+QHash<int, QByteArray> CompensationView::roleNames() const {
+    return {{tokenRole, "token"},       {onRole, "on"},         {partialsRole, "partials"},
+            {totalityRole, "totality"}, {linkedRole, "linked"}, {hasRulesRole, "hasRules"},
+            {gapsRole, "gaps"},         {nextRole, "next"},     {noteRole, "note"}};
+}
+
+} // namespace zenka::ui
