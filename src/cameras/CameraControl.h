@@ -89,6 +89,12 @@ public:
 
     /// The settings the body offers, read live where the family can.
     virtual ExposureChoices readExposureChoices() { return {}; }
+    /// The same without waiting for the body. A driver whose reading waits overrides both.
+    virtual void readExposureChoices(std::function<void(const ExposureChoices&)> done) {
+        done(readExposureChoices());
+    }
+    /// Why the last reading gave nothing, a sentence; empty when it gave something, or there was none.
+    virtual std::string lastProfileError() const { return {}; }
 
     virtual void probe(std::function<void(const CameraStatus&)> done) { done({}); }
     virtual void probeAutoISO(std::function<void(const AutoIsoStatus&)> done) { done({}); }

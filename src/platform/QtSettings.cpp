@@ -168,6 +168,16 @@ void QtSettings::remove(const std::string& key) {
     change(key, std::nullopt);
 }
 
+std::vector<std::string> QtSettings::keysBeginningWith(const std::string& prefix) const {
+    std::vector<std::string> keys;
+    for (auto found = values_.lower_bound(prefix); found != values_.end(); ++found) {
+        if (!found->first.starts_with(prefix))
+            break;
+        keys.push_back(found->first);
+    }
+    return keys;
+}
+
 bool QtSettings::flush(base::Seconds limit) {
     queue_->post([writer = writer_] { writer->write(); });
     return queue_->drain(limit) && writer_->idle();

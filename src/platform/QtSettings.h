@@ -39,6 +39,8 @@ public:
 
     void remove(const std::string& key) override;
 
+    std::vector<std::string> keysBeginningWith(const std::string& prefix) const override;
+
     /// Lets an environment variable rule over a key where there is one: ZENKA_SERVICE_HOST over
     /// "zenka.serviceHost". What is set while it rules counts once it is gone.
     void letEnvironmentRule(const std::string& key);

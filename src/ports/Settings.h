@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace zenka::ports {
 
@@ -22,6 +23,9 @@ public:
     virtual void setFlag(const std::string& key, bool value) = 0;
 
     virtual void remove(const std::string& key) = 0;
+
+    /// The keys that have a value and begin with a prefix, in alphabetical order.
+    virtual std::vector<std::string> keysBeginningWith(const std::string& prefix) const = 0;
 };
 
 } // namespace zenka::ports

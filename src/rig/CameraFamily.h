@@ -94,6 +94,10 @@ public:
     /// Ids of those bodies of its own that are no longer where they were held. Background; it only looks.
     virtual std::vector<std::string> goneFromBus(const std::vector<HeldBody>&) { return {}; }
 
+    /// Whether the body at a port still answers, if need be after a reset of the port. Its driver has let go
+    /// of it. Background, and it may take a minute; nothing from a family that cannot tell.
+    virtual std::optional<bool> linkAlive(const std::string& /*port*/) { return std::nullopt; }
+
     /// It looks at the bus on each so many polls only, as a look disturbs bodies that work.
     virtual int pollsBetweenScans() const { return 1; }
 

@@ -10,6 +10,13 @@ constexpr int minFrames = 10; // fewer say nothing of a body
 constexpr std::size_t minBodies = 3;
 constexpr int minDrops = 15;
 
+double medianDrops(std::vector<BodyTally> bodies) {
+    std::ranges::sort(bodies, {}, &BodyTally::dropped);
+    const std::size_t upper = bodies.size() / 2;
+    const std::size_t lower = (bodies.size() - 1) / 2;
+    return (bodies[lower].dropped + bodies[upper].dropped) / 2.0;
+}
+
 } // namespace
 
 std::optional<std::string> dropAsymmetryHint(const std::vector<BodyTally>& bodies) {
@@ -18,8 +25,8 @@ std::optional<std::string> dropAsymmetryHint(const std::vector<BodyTally>& bodie
                          [](const BodyTally& body) { return body.ok + body.dropped >= minFrames; });
     if (counted.size() < minBodies)
         return std::nullopt;
-    const double fewest = std::ranges::min(counted, {}, &BodyTally::dropped).dropped;
-    const double threshold = std::max(1.5 * fewest, fewest + 12);
+    const double median = medianDrops(counted);
+    const double threshold = std::max(1.5 * median, median + 12);
 
     std::string names;
     int flagged = 0;

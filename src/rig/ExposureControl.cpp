@@ -52,18 +52,12 @@ std::string summaryOf(const std::string& name, const CompOffsets& offsets) {
                                                    : partials + "/" + signedStops(offsets.totality);
 }
 
-std::optional<double> measured(const ports::Settings& settings, const char* prefix,
-                               const std::string& model) {
-    const auto seconds = settings.number(prefix + model);
-    return seconds && *seconds > 0 ? seconds : std::nullopt;
-}
-
 } // namespace
 
 ExposureControl::ExposureControl(const ports::Ports& ports, RigLog& log, const SiteDesk& site,
                                  const ScriptDesk& script, const CameraRoster& roster, RunLogbook& logbook)
     : ports_(ports), log_(log), site_(site), script_(script), roster_(roster), logbook_(logbook),
-      rules_(ports, log, roster) {
+      floors_(ports.settings), rules_(ports, log, roster) {
 }
 
 // --- what is asked for
@@ -202,10 +196,9 @@ exposure::CompGaps ExposureControl::compGaps(const std::string& token) const {
         if (!camera->connected())
             continue;
         const std::string& model = camera->model();
-        const double change =
-            measured(ports_.settings, "eclipse.measuredFloor.", model).value_or(camera->minIntervalSec());
-        const double same = measured(ports_.settings, "eclipse.measuredSameFloor.", model)
-                                .value_or(std::max(change * sameGapShare, leastSameGap));
+        const double change = floors_.measuredFloor(model).value_or(camera->minIntervalSec());
+        const double same =
+            floors_.measuredSameFloor(model).value_or(std::max(change * sameGapShare, leastSameGap));
         return {.same = same, .change = change, .source = "profile"};
     }
     return {.same = usualSameGap, .change = usualChangeGap, .source = "default"};

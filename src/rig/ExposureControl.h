@@ -7,6 +7,7 @@
 #include "ports/Ports.h"
 #include "rig/CameraRoster.h"
 #include "rig/CompRulesBook.h"
+#include "rig/MeasuredFloors.h"
 #include "rig/RigLog.h"
 #include "rig/RunLogbook.h"
 #include "rig/ScriptDesk.h"
@@ -95,6 +96,7 @@ private:
     const ScriptDesk& script_;
     const CameraRoster& roster_;
     RunLogbook& logbook_;
+    const MeasuredFloors floors_;
     CompRulesBook rules_;
     base::Published<Offsets> compOffsets_;
     base::Published<bool> leaveTotalityAlone_{false};

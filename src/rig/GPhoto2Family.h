@@ -20,6 +20,9 @@ public:
     MakeDriver connect(const FoundBody& body, const Tell& tell) override;
     std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) override;
     std::vector<std::string> goneFromBus(const std::vector<HeldBody>& held) override;
+    std::optional<bool> linkAlive(const std::string& port) override {
+        return program_.aliveWithWedgeRecovery(port).alive;
+    }
     int pollsBetweenScans() const override { return 3; }
     void holdServicesOff() override { program_.machine().daemons.startDaemonSuppressor(); }
     void letServicesOn() override { program_.machine().daemons.stopDaemonSuppressor(); }

@@ -28,11 +28,14 @@ bool HeldSessions::held(const cameras::CameraControl& camera) const {
     return camera.isReal() && camera.connected() && !roster_.isDisconnected(camera.id());
 }
 
+bool HeldSessions::idleFor(const cameras::CameraControl& camera, double seconds) const {
+    return held(camera) && !fireLoop_.dueWithin(camera, seconds) && !(leaveAlone_ && leaveAlone_(camera));
+}
+
 void HeldSessions::keepAliveHeldSessions() {
     for (const auto& camera : roster_.cameras()) {
-        if (!held(*camera) || fireLoop_.dueWithin(*camera, roomForAPing))
-            continue;
-        camera->keepAlive();
+        if (idleFor(*camera, roomForAPing))
+            camera->keepAlive();
     }
     askTheIdle();
     lookForGone();
@@ -45,7 +48,7 @@ void HeldSessions::askSoon() {
 
 void HeldSessions::askTheIdle() {
     for (const auto& camera : roster_.cameras()) {
-        if (held(*camera) && !fireLoop_.dueWithin(*camera, roomForQuestions))
+        if (idleFor(*camera, roomForQuestions))
             idle_.emit(camera);
     }
 }

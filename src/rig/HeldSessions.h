@@ -7,7 +7,10 @@
 #include "rig/FireLoop.h"
 #include "rig/RigLog.h"
 
+#include <functional>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace zenka::rig {
@@ -20,6 +23,11 @@ public:
 
     HeldSessions(const ports::Ports& ports, RigLog& log, const CameraRoster& roster, const FireLoop& fireLoop,
                  Families families);
+
+    /// Bodies for which this is true are not asked anything meanwhile: somebody measures their timing.
+    void setLeaveAlone(std::function<bool(const cameras::CameraControl&)> leaveAlone) {
+        leaveAlone_ = std::move(leaveAlone);
+    }
 
     /// From now on every 45 s.
     void startKeepAlive();
@@ -43,6 +51,8 @@ public:
 private:
     void askTheIdle();
     bool held(const cameras::CameraControl& camera) const;
+    /// One that nothing wants for so many seconds.
+    bool idleFor(const cameras::CameraControl& camera, double seconds) const;
     void tellGone(const std::vector<std::string>& ids);
 
     const ports::Ports& ports_;
@@ -51,6 +61,7 @@ private:
     const FireLoop& fireLoop_;
     const Families families_;
     std::shared_ptr<ports::WorkQueue> queue_;
+    std::function<bool(const cameras::CameraControl&)> leaveAlone_;
     bool looking_ = false;
     bool lookAgain_ = false; // the bus has changed while it was looked at
     sigc::signal<void(const CameraRoster::Camera&)> idle_;

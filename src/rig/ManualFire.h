@@ -26,6 +26,10 @@ public:
     void fireManual(const CameraRoster::Camera& camera, const cameras::Shot& shot,
                     const cameras::CameraControl::CaptureDone& done);
 
+    /// Keeps the desktop's camera services off a body's family for as long as the answer lives; empty where
+    /// they are to be left alone.
+    std::unique_ptr<ServicesOff> keepServicesOff(const cameras::CameraControl& camera) const;
+
     /// The roster has changed: ends the attempts on bodies that it no longer holds.
     void followRoster();
 
@@ -34,7 +38,6 @@ private:
 
     void fire(const std::shared_ptr<Attempt>& attempt);
     void finish(const std::shared_ptr<Attempt>& attempt, const cameras::CaptureOutcome& outcome);
-    std::unique_ptr<ServicesOff> keepServicesOff(const cameras::CameraControl& camera) const;
 
     const ports::Ports& ports_;
     const CameraRoster& roster_;

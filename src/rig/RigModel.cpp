@@ -21,7 +21,10 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
       manualFire_(ports_, roster_, transport_, outcomes_, families),
       testShots_(log_, script_, roster_, transport_, outcomes_, manualFire_), library_(ports_, log_, roster_),
-      modes_(log_, roster_), detector_(ports_, log_, roster_, transport_, families),
+      floors_(ports_.settings), cadence_(log_, roster_, script_, floors_),
+      gapProfiler_(ports_, log_, roster_, transport_, manualFire_, floors_),
+      cameraProfiler_(ports_, roster_, transport_, library_), modes_(log_, roster_),
+      detector_(ports_, log_, roster_, transport_, families),
       reconnect_(ports_, log_, roster_, logbook_, transport_, families),
       heldSessions_(ports_, log_, roster_, fireLoop_, families), announcer_(log_, script_),
       renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
@@ -56,6 +59,37 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
     transport_.runOver().connect([this] { keeper_.clearRunState(); });
     transport_.shown().connect([this] { renderPace_.requestRender(true); });
     connectCameras();
+    connectProfilers(families);
+}
+
+void RigModel::connectProfilers(const CameraDetector::Families& families) {
+    using Body = cameras::CameraControl;
+    transport_.setArmCheck([this] { return cadence_.holdsArming(); });
+    logbook_.completed().connect(
+        [this](const std::vector<BodyTally>& bodies) { cadence_.explainDrops(bodies); });
+    roster_.changed().connect([this] { gapProfiler_.followRoster(); });
+    transport_.activityChanged().connect([this] { gapProfiler_.followRun(); });
+    heldSessions_.setLeaveAlone([this](const Body& camera) { return gapProfiler_.measures(camera); });
+    testShots_.setBusy([this](const Body& camera) {
+        return gapProfiler_.measures(camera) || cameraProfiler_.reads(camera);
+    });
+    gapProfiler_.setBusy([this](const Body& camera) {
+        return testShots_.firing(camera.id()) || cameraProfiler_.reads(camera);
+    });
+    cameraProfiler_.setBusy([this](const Body& camera) {
+        return testShots_.firing(camera.id()) || gapProfiler_.measures(camera);
+    });
+    gapProfiler_.setCheckLink([families, queue = ports_.queues.serial("zenka.linkcheck"),
+                               &loop = ports_.loop](const CameraRoster::Camera& camera, const auto& done) {
+        queue->post([families, &loop, backend = camera->backend(), port = camera->port(), done] {
+            bool alive = true;
+            for (const auto& family : families) {
+                if (family->backend() == backend)
+                    alive = family->linkAlive(port).value_or(true);
+            }
+            loop.post([done, alive] { done({.alive = alive}); });
+        });
+    });
 }
 
 void RigModel::connectCameras() {
@@ -95,6 +129,8 @@ void RigModel::connectCameras() {
 }
 
 void RigModel::bootstrap() {
+    floors_.discardFabricatedCadenceMeasurements();
+    floors_.discardOlympusTriggerEraMeasurements();
     site_.restore();
     sites_.restore();
     script_.restore();

@@ -3,15 +3,19 @@
 #include "ports/Ports.h"
 #include "rig/Announcer.h"
 #include "rig/BodyModes.h"
+#include "rig/CadenceAdvisor.h"
 #include "rig/CameraDetector.h"
+#include "rig/CameraProfiler.h"
 #include "rig/CameraRoster.h"
 #include "rig/ExposureControl.h"
 #include "rig/FireClock.h"
 #include "rig/FireLoop.h"
 #include "rig/FireOutcomes.h"
+#include "rig/GapProfiler.h"
 #include "rig/HeldSessions.h"
 #include "rig/LibraryDesk.h"
 #include "rig/ManualFire.h"
+#include "rig/MeasuredFloors.h"
 #include "rig/ReconnectDesk.h"
 #include "rig/RenderPace.h"
 #include "rig/RigLog.h"
@@ -65,6 +69,10 @@ public:
     ManualFire& manualFire() { return manualFire_; }
     TestShots& testShots() { return testShots_; }
     LibraryDesk& library() { return library_; }
+    MeasuredFloors& floors() { return floors_; }
+    CadenceAdvisor& cadence() { return cadence_; }
+    GapProfiler& gapProfiler() { return gapProfiler_; }
+    CameraProfiler& cameraProfiler() { return cameraProfiler_; }
     BodyModes& modes() { return modes_; }
     CameraDetector& detector() { return detector_; }
     ReconnectDesk& reconnect() { return reconnect_; }
@@ -75,6 +83,7 @@ public:
 
 private:
     void connectCameras();
+    void connectProfilers(const CameraDetector::Families& families);
     void advance(double dt);
     void resetFiredTracking();
     double nextDue() const;
@@ -95,6 +104,10 @@ private:
     ManualFire manualFire_;
     TestShots testShots_;
     LibraryDesk library_;
+    MeasuredFloors floors_;
+    CadenceAdvisor cadence_;
+    GapProfiler gapProfiler_;
+    CameraProfiler cameraProfiler_;
     BodyModes modes_;
     CameraDetector detector_;
     ReconnectDesk reconnect_;

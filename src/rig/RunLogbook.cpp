@@ -1,7 +1,6 @@
 #include "rig/RunLogbook.h"
 
 #include "base/CivilTime.h"
-#include "rig/DropAsymmetry.h"
 
 #include <absl/strings/str_format.h>
 
@@ -100,6 +99,8 @@ void RunLogbook::endRunLog(bool completed, bool) {
     reportStoredFrames();
     if (completed)
         sumUp(asymmetry);
+    if (completed && !bodies.empty())
+        completed_.emit(bodies);
     runLog_.reset();
 }
 

@@ -4,6 +4,7 @@
 #include "base/Uuid.h"
 #include "ports/Ports.h"
 #include "rig/CameraRoster.h"
+#include "rig/DropAsymmetry.h"
 #include "rig/LatenessMeter.h"
 #include "rig/RigLog.h"
 #include "rig/RunLog.h"
@@ -13,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace zenka::rig {
 
@@ -67,6 +69,9 @@ public:
 
     const base::Published<std::optional<RunSummary>>& pendingSurvey() const { return pendingSurvey_; }
 
+    /// A run was completed in which real bodies fired: how each of them did, by its label.
+    sigc::signal<void(const std::vector<BodyTally>&)>& completed() { return completed_; }
+
     RunLogMeta makeRunMeta(const std::string& kind) const;
 
 private:
@@ -96,6 +101,7 @@ private:
     std::map<std::string, int> confirmLagWarned_; // by camera id
     LatenessMeter lateness_;
     base::Published<std::optional<RunSummary>> pendingSurvey_;
+    sigc::signal<void(const std::vector<BodyTally>&)> completed_;
 };
 
 } // namespace zenka::rig

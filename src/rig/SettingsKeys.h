@@ -16,6 +16,17 @@ inline constexpr char defaultScriptPath[] = "zenka.defaultScriptPath";
 inline constexpr char welcomeSeen[] = "zenka.welcomeSeen";
 inline constexpr char simClock[] = "eclipse.simClock"; ///< "eclipseId|clock"
 
+/// What bodies were measured to hold, each + model.
+inline constexpr char measuredFloorPrefix[] = "eclipse.measuredFloor.";         ///< seconds
+inline constexpr char measuredSameFloorPrefix[] = "eclipse.measuredSameFloor."; ///< seconds
+inline constexpr char sustainedFloorPrefix[] = "eclipse.sustainedFloor.";       ///< seconds
+inline constexpr char burstDepthPrefix[] = "eclipse.burstDepth.";               ///< frames
+inline constexpr char burstCadencePrefix[] = "eclipse.burstCadence.";           ///< seconds
+inline constexpr char longFrameFloorPrefix[] = "eclipse.longFrameFloor.";       ///< JSON object
+/// Measurements of earlier versions have been thrown away.
+inline constexpr char cadenceRevalidated[] = "eclipse.cadenceMeasurementsRevalidated";
+inline constexpr char olympusRevalidated[] = "eclipse.olympusFloorsRevalidatedForCaptureImage";
+
 inline constexpr char elevationHost[] = "zenka.elevationHost"; ///< address before "/v1/elevation"
 inline constexpr char eclipseDayPromptedPrefix[] = "zenka.eclipseDayPrompted."; ///< + id: the day, ISO 8601
 

@@ -41,6 +41,8 @@ std::string TestShots::refusal(const cameras::CameraControl& camera, const camer
     const std::string label = roster_.labelFor(camera);
     if (firing(camera.id()))
         return "A test shot of " + label + " is under way. Wait for its result.";
+    if (busy_ && busy_(camera))
+        return label + " is being measured or read. Wait for its end.";
     if (!transport_.live())
         return {};
     const auto next = nextCapture(camera);

@@ -8,10 +8,12 @@
 #include "rig/ScriptDesk.h"
 #include "rig/Transport.h"
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace zenka::rig {
 
@@ -34,6 +36,9 @@ public:
 
         friend bool operator==(const Result&, const Result&) = default;
     };
+
+    /// A body for which this is true is being measured by somebody else.
+    void setBusy(std::function<bool(const cameras::CameraControl&)> busy) { busy_ = std::move(busy); }
 
     /// The next frame that the script has for a body; nothing when none is left.
     std::optional<script::Capture> nextCapture(const cameras::CameraControl& camera) const;
@@ -62,6 +67,7 @@ private:
     const Transport& transport_;
     FireOutcomes& outcomes_;
     ManualFire& manualFire_;
+    std::function<bool(const cameras::CameraControl&)> busy_;
     std::set<std::string> firing_; // ids
     std::map<std::string, Result> results_;
     sigc::signal<void()> changed_;

@@ -141,7 +141,9 @@ void Transport::useSimulatedTiming() {
     log_.pushLog("Timing: SIMULATED");
 }
 
-void Transport::armRealEclipseTiming(bool) {
+void Transport::armRealEclipseTiming(bool force) {
+    if (!force && holdsArming_ && holdsArming_())
+        return;
     timingStatus_.set("LIVE · real eclipse clock");
     anchorLive(ports_.clock.now());
     beginLiveRun();

@@ -8,8 +8,10 @@
 #include "rig/SiteDesk.h"
 #include "rig/SleepGuard.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zenka::rig {
 
@@ -48,7 +50,10 @@ public:
     bool jumpToLocalTime(std::string_view text);
     void scrubTo(double clock);
     void useSimulatedTiming();
+    /// Without force it may be held up by a check, which then has told the user why.
     void armRealEclipseTiming(bool force);
+    /// True holds the arming up.
+    void setArmCheck(std::function<bool()> holdsArming) { holdsArming_ = std::move(holdsArming); }
 
     /// Where a live run took its clock: the computer's time then, and the eclipse clock, which may be
     /// corrected to a better time source.
@@ -104,6 +109,7 @@ private:
     RunLogbook& logbook_;
     SleepGuard& sleepGuard_;
 
+    std::function<bool()> holdsArming_;
     double clock_ = 0;
     double clockReadAt_ = 0; // uptime seconds
     base::Published<TimingMode> timingMode_{TimingMode::simulated};

@@ -56,6 +56,8 @@ public:
     QString prompt() const;
     QString promptText() const;
     QString eclipseDayName() const;
+    /// Why frames of the script may drop on a body that is connected; empty for no reason.
+    Q_INVOKABLE QString armWarning() const;
     Q_INVOKABLE void acceptPrompt();
     Q_INVOKABLE void declinePrompt();
 

@@ -81,6 +81,9 @@ TEST_F(QtSettingsTest, valuesReadBackAtOnceAndAfterARestart) {
         EXPECT_EQ(settings.number("yes"), std::nullopt);
         EXPECT_EQ(settings.number("blanks"), std::nullopt);
         EXPECT_EQ(settings.flag("missing"), std::nullopt);
+        EXPECT_THAT(settings.keysBeginningWith("eclipse.s"),
+                    testing::ElementsAre("eclipse.scriptText", "eclipse.simClock"));
+        EXPECT_THAT(settings.keysBeginningWith("gon"), testing::IsEmpty());
     };
     {
         QtSettings settings(queues_, file_);

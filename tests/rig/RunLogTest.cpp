@@ -201,6 +201,11 @@ TEST(DropAsymmetry, namesTheBodiesThatStandOut) {
     ASSERT_TRUE(hint);
     EXPECT_TRUE(hint->starts_with("A dropped far more frames"));
     EXPECT_TRUE(hint->ends_with("Check those on A."));
-    const auto two = rig::dropAsymmetryHint(Tallies{{"A", 60, 40}, {"B", 60, 30}, {"C", 90, 1}});
+    EXPECT_FALSE(rig::dropAsymmetryHint(Tallies{{"A", 60, 40}, {"B", 60, 30}, {"C", 90, 1}}))
+        << "B is the middle, and A is not far from it";
+    EXPECT_FALSE(rig::dropAsymmetryHint(Tallies{{"A", 60, 59}, {"B", 60, 40}, {"C", 60, 40}}))
+        << "half as many again are needed";
+    const auto two = rig::dropAsymmetryHint(
+        Tallies{{"A", 60, 40}, {"B", 60, 30}, {"C", 90, 1}, {"D", 90, 0}, {"E", 90, 0}, {"F", 90, 2}});
     EXPECT_TRUE(two && two->starts_with("A and B dropped") && two->ends_with("on those bodies."));
 }

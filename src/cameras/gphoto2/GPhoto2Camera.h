@@ -60,11 +60,10 @@ public:
     /// Reads them from the body, and waits for it: up to a minute and a half. Not from a completion.
     ExposureChoices readExposureChoices() override;
     /// The same without waiting.
-    void readExposureChoices(std::function<void(const ExposureChoices&)> done);
+    void readExposureChoices(std::function<void(const ExposureChoices&)> done) override;
     /// What is known of them.
     ExposureChoices exposureChoices() const { return worker_->exposureChoices(); }
-    /// Why the last reading gave nothing; empty when it gave something.
-    std::string lastProfileError() const { return worker_->lastProfileError(); }
+    std::string lastProfileError() const override { return worker_->lastProfileError(); }
 
     void probe(std::function<void(const CameraStatus&)> done) override;
     void probeAutoISO(std::function<void(const AutoIsoStatus&)> done) override;

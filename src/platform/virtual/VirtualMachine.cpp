@@ -156,4 +156,14 @@ std::optional<bool> MemorySettings::flag(const std::string& key) const {
     return valueOf<bool>(values_, key);
 }
 
+std::vector<std::string> MemorySettings::keysBeginningWith(const std::string& prefix) const {
+    std::vector<std::string> keys;
+    for (auto found = values_.lower_bound(prefix); found != values_.end(); ++found) {
+        if (!found->first.starts_with(prefix))
+            break;
+        keys.push_back(found->first);
+    }
+    return keys;
+}
+
 } // namespace zenka::platform

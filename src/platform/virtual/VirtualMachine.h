@@ -13,6 +13,7 @@
 #include <limits>
 #include <map>
 #include <variant>
+#include <vector>
 
 namespace zenka::platform {
 
@@ -79,6 +80,7 @@ public:
     std::optional<bool> flag(const std::string& key) const override;
     void setFlag(const std::string& key, bool value) override { values_[key] = value; }
     void remove(const std::string& key) override { values_.erase(key); }
+    std::vector<std::string> keysBeginningWith(const std::string& prefix) const override;
 
 private:
     std::map<std::string, std::variant<std::string, double, bool>> values_;

@@ -1,0 +1,148 @@
+#include "rig/MeasuredFloors.h"
+
+#include "base/Text.h"
+#include "rig/SettingsKeys.h"
+
+#include <absl/strings/str_format.h>
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace zenka::rig {
+
+namespace {
+
+using Json = nlohmann::json;
+namespace keys = settingsKeys;
+
+constexpr std::array allPrefixes{keys::measuredFloorPrefix,  keys::measuredSameFloorPrefix,
+                                 keys::sustainedFloorPrefix, keys::burstDepthPrefix,
+                                 keys::burstCadencePrefix,   keys::longFrameFloorPrefix};
+
+bool isMeasurement(double value) {
+    return std::isfinite(value) && value > 0;
+}
+
+std::optional<double> positiveIn(const Json& object, const char* key) {
+    const auto found = object.find(key);
+    if (found == object.end() || !found->is_number() || !isMeasurement(found->get<double>()))
+        return std::nullopt;
+    return found->get<double>();
+}
+
+bool isOlympus(const std::string& model) {
+    const std::string name = base::lowered(model);
+    for (const char* part : {"olympus", "omsystem", "om system"}) {
+        if (name.find(part) != std::string::npos)
+            return true;
+    }
+    return name.starts_with("e-m") || name.starts_with("om-");
+}
+
+} // namespace
+
+std::optional<double> MeasuredFloors::positive(const std::string& key) const {
+    const auto value = settings_.number(key);
+    return value && isMeasurement(*value) ? value : std::nullopt;
+}
+
+std::optional<double> MeasuredFloors::measuredFloor(const std::string& model) const {
+    return positive(keys::measuredFloorPrefix + model);
+}
+
+std::optional<double> MeasuredFloors::measuredSameFloor(const std::string& model) const {
+    return positive(keys::measuredSameFloorPrefix + model);
+}
+
+std::optional<double> MeasuredFloors::sustainedFloor(const std::string& model) const {
+    return positive(keys::sustainedFloorPrefix + model);
+}
+
+std::optional<MeasuredFloors::BurstDepth> MeasuredFloors::burstDepth(const std::string& model) const {
+    const auto frames = positive(keys::burstDepthPrefix + model);
+    const auto cadence = positive(keys::burstCadencePrefix + model);
+    if (!frames || !cadence || *frames < 1 || *frames > std::numeric_limits<int>::max())
+        return std::nullopt;
+    return BurstDepth{.frames = static_cast<int>(*frames), .cadenceSec = *cadence};
+}
+
+std::optional<MeasuredFloors::LongFrameFloor> MeasuredFloors::longFrameFloor(const std::string& model) const {
+    const Json record =
+        Json::parse(settings_.text(keys::longFrameFloorPrefix + model).value_or(""), nullptr, false);
+    if (!record.is_object())
+        return std::nullopt;
+    const auto shutter = positiveIn(record, "shutter");
+    const auto cadence = positiveIn(record, "cadence");
+    const auto held = record.find("held");
+    if (!shutter || !cadence || held == record.end() || !held->is_boolean())
+        return std::nullopt;
+    return LongFrameFloor{.shutterSec = *shutter, .cadenceSec = *cadence, .held = held->get<bool>()};
+}
+
+void MeasuredFloors::saveFloor(const char* prefix, const std::string& model, double floorSec,
+                               const char* settings) {
+    if (!isMeasurement(floorSec))
+        return;
+    settings_.setNumber(prefix + model, floorSec);
+    report(
+        "profile",
+        {{"model", model}, {"floor_ms", absl::StrFormat("%.0f", floorSec * 1000)}, {"settings", settings}});
+}
+
+void MeasuredFloors::saveMeasuredFloor(const std::string& model, double floorSec, bool same) {
+    saveFloor(same ? keys::measuredSameFloorPrefix : keys::measuredFloorPrefix, model, floorSec,
+              same ? "same" : "changing");
+}
+
+void MeasuredFloors::saveSustainedFloor(const std::string& model, double cadenceSec) {
+    saveFloor(keys::sustainedFloorPrefix, model, cadenceSec, "sustained");
+}
+
+void MeasuredFloors::saveBurstDepth(const std::string& model, int cleanFrames, double cadenceSec) {
+    if (cleanFrames < 1 || !isMeasurement(cadenceSec))
+        return;
+    settings_.setNumber(keys::burstDepthPrefix + model, cleanFrames);
+    settings_.setNumber(keys::burstCadencePrefix + model, cadenceSec);
+    report("profile", {{"model", model},
+                       {"burst_frames", std::to_string(cleanFrames)},
+                       {"burst_cadence", base::plainNumber(cadenceSec)}});
+}
+
+void MeasuredFloors::saveLongFrameFloor(const std::string& model, double shutterSec, double cadenceSec,
+                                        bool held) {
+    if (!isMeasurement(shutterSec) || !isMeasurement(cadenceSec))
+        return;
+    settings_.setText(keys::longFrameFloorPrefix + model,
+                      Json{{"shutter", shutterSec}, {"cadence", cadenceSec}, {"held", held}}.dump());
+    report("profile", {{"model", model},
+                       {"long_shutter_s", base::plainNumber(shutterSec)},
+                       {"long_cadence", base::plainNumber(cadenceSec)},
+                       {"long_held", held ? "true" : "false"}});
+}
+
+void MeasuredFloors::discard(const std::function<bool(const std::string& model)>& wanted) {
+    for (const std::string prefix : allPrefixes) {
+        for (const std::string& key : settings_.keysBeginningWith(prefix)) {
+            if (wanted(key.substr(prefix.size())))
+                settings_.remove(key);
+        }
+    }
+}
+
+void MeasuredFloors::discardFabricatedCadenceMeasurements() {
+    if (settings_.flag(keys::cadenceRevalidated).value_or(false))
+        return;
+    discard([](const std::string&) { return true; });
+    settings_.setFlag(keys::cadenceRevalidated, true);
+}
+
+void MeasuredFloors::discardOlympusTriggerEraMeasurements() {
+    if (settings_.flag(keys::olympusRevalidated).value_or(false))
+        return;
+    discard(isOlympus);
+    settings_.setFlag(keys::olympusRevalidated, true);
+}
+
+} // namespace zenka::rig
