@@ -26,15 +26,15 @@ std::string CameraProfiler::runCameraProfile(const std::string& camID) {
     const auto found = std::ranges::find(cameras, camID, [](const auto& each) { return each->id(); });
     if (found == cameras.end() || !(*found)->connected() || roster_.isDisconnected(camID))
         return "This camera is not connected.";
-    const CameraRoster::Camera camera = *found;
-    if (busy_ && busy_(*camera))
+    if (busy_ && busy_(**found))
         return "This camera is being measured or fired. Read it when that is over.";
 
+    camera_ = *found;
+    const CameraRoster::Camera& camera = camera_;
     CameraProfileResult result{.model = camera->model(), .serial = camera->serial()};
     if (const auto entry = library_.find(result.serial))
         result.lens = entry->lens;
     cameraProfileResult_.set(std::nullopt);
-    camera_ = camera;
     cameraProfileRunning_.set(true);
     const int reading = ++reading_;
     ports_.loop.after(patience, lifeline_.guard([this, reading, result] {

@@ -44,7 +44,7 @@ struct GapProfileRow {
     /// It came back slower than asked: by more than timers are late.
     bool paced() const { return complete() && achievedSec && *achievedSec > intervalSec * 1.05; }
     /// The cadence that it stands for, seconds.
-    double heldSec() const { return paced() ? *achievedSec : intervalSec; }
+    double heldSec() const { return paced() ? achievedSec.value_or(intervalSec) : intervalSec; }
 
     friend bool operator==(const GapProfileRow&, const GapProfileRow&) = default;
 };
