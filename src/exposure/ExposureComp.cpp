@@ -238,6 +238,16 @@ CompResult apply(const CompFrame& frame, int stops, const CompRules& rules, cons
             .note = shift.note()};
 }
 
+std::string signedStops(int stops) {
+    return (stops > 0 ? "+" : "") + std::to_string(stops);
+}
+
+std::string summary(const std::string& name, const CompOffsets& offsets) {
+    const std::string partials = name + " " + signedStops(offsets.partials);
+    const int totality = offsets.inTotality();
+    return totality == offsets.partials ? partials : partials + "/" + signedStops(totality);
+}
+
 std::map<std::string, std::string> parseCamsetPairs(const std::vector<std::string_view>& fields) {
     std::map<std::string, std::string> pairs;
     for (const std::string_view field : fields) {

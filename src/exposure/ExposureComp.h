@@ -36,6 +36,9 @@ struct CompOffsets {
     int totality = 0;
     bool linked = false; ///< totality follows partials
 
+    /// The stops in totality, which may follow those of the partials.
+    int inTotality() const { return linked ? partials : totality; }
+
     friend bool operator==(const CompOffsets&, const CompOffsets&) = default;
 };
 
@@ -73,6 +76,12 @@ namespace ExposureComp {
 /// back unchanged. Never fails: what cannot be delivered is told in the note.
 CompResult apply(const CompFrame& frame, int stops, const CompRules& rules, const CompGaps& gaps,
                  std::optional<double> spacingToNext, bool nextSameSettings);
+
+/// Stops as "+1", "0", "-2".
+std::string signedStops(int stops);
+
+/// What a camera is asked for, "CAM1 +1"; "CAM1 +1/-2" where totality differs.
+std::string summary(const std::string& name, const CompOffsets& offsets);
 
 /// Reads the key=value fields of a camera's settings line: cut at the first "=", both halves trimmed,
 /// the key in lower case; fields with an empty half are left out, a later key wins.

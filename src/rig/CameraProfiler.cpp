@@ -13,8 +13,8 @@ constexpr base::Seconds patience{120};
 } // namespace
 
 CameraProfiler::CameraProfiler(const ports::Ports& ports, const CameraRoster& roster,
-                               const Transport& transport, const LibraryDesk& library)
-    : ports_(ports), roster_(roster), transport_(transport), library_(library) {
+                               const Transport& transport, const LibraryDesk& library, BodiesInUse& inUse)
+    : ports_(ports), roster_(roster), transport_(transport), library_(library), inUse_(inUse) {
 }
 
 std::string CameraProfiler::runCameraProfile(const std::string& camID) {
@@ -26,10 +26,11 @@ std::string CameraProfiler::runCameraProfile(const std::string& camID) {
     const auto found = std::ranges::find(cameras, camID, [](const auto& each) { return each->id(); });
     if (found == cameras.end() || !(*found)->connected() || roster_.isDisconnected(camID))
         return "This camera is not connected.";
-    if (busy_ && busy_(**found))
+    if (inUse_.has(camID))
         return "This camera is being measured or fired. Read it when that is over.";
 
     camera_ = *found;
+    use_ = inUse_.take(camID);
     const CameraRoster::Camera& camera = camera_;
     CameraProfileResult result{.model = camera->model(), .serial = camera->serial()};
     if (const auto entry = library_.find(result.serial))
@@ -62,6 +63,7 @@ void CameraProfiler::finish(CameraProfileResult result, const std::string& error
     result.error = error;
     ++reading_;
     camera_.reset();
+    use_ = {};
     cameraProfileRunning_.set(false);
     cameraProfileResult_.set(std::move(result));
 }

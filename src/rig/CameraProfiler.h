@@ -4,14 +4,13 @@
 #include "base/Published.h"
 #include "cameras/ExposureChoices.h"
 #include "ports/Ports.h"
+#include "rig/BodiesInUse.h"
 #include "rig/CameraRoster.h"
 #include "rig/LibraryDesk.h"
 #include "rig/Transport.h"
 
-#include <functional>
 #include <optional>
 #include <string>
-#include <utility>
 
 namespace zenka::rig {
 
@@ -30,13 +29,7 @@ struct CameraProfileResult {
 class CameraProfiler {
 public:
     CameraProfiler(const ports::Ports& ports, const CameraRoster& roster, const Transport& transport,
-                   const LibraryDesk& library);
-
-    /// A body for which this is true is in use by somebody else.
-    void setBusy(std::function<bool(const cameras::CameraControl&)> busy) { busy_ = std::move(busy); }
-
-    /// This body is being read.
-    bool reads(const cameras::CameraControl& camera) const { return camera_.get() == &camera; }
+                   const LibraryDesk& library, BodiesInUse& inUse);
 
     /// Starts. When it cannot, the answer is the reason, a sentence; else it is empty.
     std::string runCameraProfile(const std::string& camID);
@@ -54,8 +47,9 @@ private:
     const CameraRoster& roster_;
     const Transport& transport_;
     const LibraryDesk& library_;
-    std::function<bool(const cameras::CameraControl&)> busy_;
+    BodiesInUse& inUse_;
     CameraRoster::Camera camera_; // that is being read
+    BodiesInUse::Use use_;        // of it
     int reading_ = 0;             // what comes of an earlier one is passed over
     base::Published<bool> cameraProfileRunning_{false};
     base::Published<std::optional<CameraProfileResult>> cameraProfileResult_;

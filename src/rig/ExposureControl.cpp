@@ -9,6 +9,7 @@
 
 namespace zenka::rig {
 
+namespace ExposureComp = exposure::ExposureComp;
 using exposure::CompOffsets;
 
 namespace {
@@ -27,11 +28,6 @@ int nudged(int stops, int by) {
     return std::clamp(stops + by, -mostStops, mostStops);
 }
 
-/// "+1", "0", "-2".
-std::string signedStops(int stops) {
-    return (stops > 0 ? "+" : "") + std::to_string(stops);
-}
-
 std::string spokenStops(int stops) {
     const int count = std::abs(stops);
     return absl::StrFormat("%s %d %s", stops < 0 ? "minus" : "plus", count, count == 1 ? "stop" : "stops");
@@ -41,26 +37,21 @@ bool active(const CompOffsets& offsets) {
     return offsets.enabled && (offsets.partials != 0 || offsets.totality != 0);
 }
 
-/// The stops in totality, which may follow those of the partials.
-int inTotality(const CompOffsets& offsets) {
-    return offsets.linked ? offsets.partials : offsets.totality;
-}
-
-std::string summaryOf(const std::string& name, const CompOffsets& offsets) {
-    const std::string partials = name + " " + signedStops(offsets.partials);
-    return inTotality(offsets) == offsets.partials ? partials
-                                                   : partials + "/" + signedStops(offsets.totality);
-}
-
 } // namespace
 
 ExposureControl::ExposureControl(const ports::Ports& ports, RigLog& log, const SiteDesk& site,
-                                 const ScriptDesk& script, const CameraRoster& roster, RunLogbook& logbook)
-    : ports_(ports), log_(log), site_(site), script_(script), roster_(roster), logbook_(logbook),
-      floors_(ports.settings), rules_(ports, log, roster) {
+                                 const ScriptDesk& script, const CameraRoster& roster,
+                                 const MeasuredFloors& floors, RunLogbook& logbook)
+    : ports_(ports), log_(log), site_(site), script_(script), roster_(roster), floors_(floors),
+      logbook_(logbook), rules_(ports, log, roster) {
 }
 
 // --- what is asked for
+
+CompOffsets ExposureControl::offsetsOf(const std::string& token) const {
+    const auto found = compOffsets_.get().find(token);
+    return found == compOffsets_.get().end() ? CompOffsets{} : found->second;
+}
 
 void ExposureControl::setOffsets(const std::string& token, CompOffsets offsets) {
     offsets.partials = nudged(offsets.partials, 0);
@@ -71,6 +62,14 @@ void ExposureControl::setOffsets(const std::string& token, CompOffsets offsets) 
     all[token] = offsets;
     compOffsets_.set(std::move(all));
     logCompChange(token);
+}
+
+void ExposureControl::nudge(const std::string& token, int partialsBy, int totalityBy) {
+    CompOffsets offsets = offsetsOf(token);
+    offsets.enabled = offsets.enabled || rules_.hasSavedCompRules(token);
+    offsets.partials += partialsBy;
+    offsets.totality += totalityBy;
+    setOffsets(token, offsets);
 }
 
 void ExposureControl::setLeaveTotalityAlone(bool alone) {
@@ -115,7 +114,7 @@ void ExposureControl::resetExposureComp(bool announce) {
 
 void ExposureControl::resetForRun() {
     if (compActive())
-        resetExposureComp(false);
+        log_.pushLog("⟲ Exposure compensation reset to 0 for every camera");
     compOffsets_.set({});
     logbook_.noteEvent("exposure compensation reset to 0 for every camera (new run)");
 }
@@ -132,8 +131,9 @@ void ExposureControl::logCompChange(const std::string& token) {
         announceComp(token + " compensation off");
         return;
     }
-    const int totality = inTotality(offsets);
-    tell(token + " partials " + signedStops(offsets.partials) + ", totality " + signedStops(totality));
+    const int totality = offsets.inTotality();
+    tell(token + " partials " + ExposureComp::signedStops(offsets.partials) + ", totality " +
+         ExposureComp::signedStops(totality));
     announceComp(token + (totality == offsets.partials ? " " + spokenStops(offsets.partials)
                                                        : " partials " + spokenStops(offsets.partials) +
                                                              ", totality " + spokenStops(totality)));
@@ -154,7 +154,7 @@ std::string ExposureControl::compSummary() const {
     for (const std::string& token : timelineTokens()) {
         const auto found = all.find(token);
         if (found != all.end() && active(found->second))
-            summary += (summary.empty() ? "" : ", ") + summaryOf(token, found->second);
+            summary += (summary.empty() ? "" : ", ") + ExposureComp::summary(token, found->second);
     }
     return summary.empty() ? "0" : summary;
 }
@@ -172,9 +172,8 @@ std::vector<std::string> ExposureControl::timelineTokens() const {
 // --- what a frame gets
 
 int ExposureControl::compStops(const std::string& token, double offsetSec) const {
-    const Offsets& all = compOffsets_.get();
-    const auto found = all.find(token);
-    if (found == all.end() || !found->second.enabled || !rules_.hasSavedCompRules(token))
+    const CompOffsets offsets = offsetsOf(token);
+    if (!offsets.enabled || !rules_.hasSavedCompRules(token))
         return 0;
     const auto& contacts = site_.contactTHours();
     const auto second = contacts.find("C2");
@@ -183,14 +182,14 @@ int ExposureControl::compStops(const std::string& token, double offsetSec) const
                        offsetSec >= second->second * 3600 - roundContact &&
                        offsetSec <= third->second * 3600 + roundContact;
     if (!total)
-        return found->second.partials;
-    return leaveTotalityAlone_.get() ? 0 : inTotality(found->second);
+        return offsets.partials;
+    return leaveTotalityAlone_.get() ? 0 : offsets.inTotality();
 }
 
 exposure::CompGaps ExposureControl::compGaps(const std::string& token) const {
     const auto& settings = script_.scriptCameraSettings();
     if (const auto line = settings.find(token); line != settings.end())
-        if (const auto gaps = exposure::ExposureComp::gapsFromCamset(line->second))
+        if (const auto gaps = ExposureComp::gapsFromCamset(line->second))
             return *gaps;
     for (const auto& camera : roster_.camerasFor(token)) {
         if (!camera->connected())
@@ -228,7 +227,7 @@ ExposureControl::Compensated ExposureControl::compensated(const script::Capture&
                                     .iso = capture.iso,
                                     .aperture = capture.aperture,
                                     .bulb = capture.bulb};
-    auto result = exposure::ExposureComp::apply(
+    auto result = ExposureComp::apply(
         frame, stops, rules_.compRules(capture.camera), compGaps(capture.camera),
         neighbor ? std::optional(neighbor->spacing) : std::nullopt, neighbor && neighbor->same);
     Compensated out{.capture = capture, .ev = stops, .note = result.note};

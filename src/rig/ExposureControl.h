@@ -37,7 +37,7 @@ public:
     using Offsets = std::map<std::string, exposure::CompOffsets>; // by token
 
     ExposureControl(const ports::Ports& ports, RigLog& log, const SiteDesk& site, const ScriptDesk& script,
-                    const CameraRoster& roster, RunLogbook& logbook);
+                    const CameraRoster& roster, const MeasuredFloors& floors, RunLogbook& logbook);
 
     CompRulesBook& rules() { return rules_; }
     const CompRulesBook& rules() const { return rules_; }
@@ -45,8 +45,12 @@ public:
     const base::Published<Offsets>& compOffsets() const { return compOffsets_; }
     const base::Published<bool>& leaveTotalityAlone() const { return leaveTotalityAlone_; }
 
+    /// What one camera is asked for; what it was given when nothing was.
+    exposure::CompOffsets offsetsOf(const std::string& token) const;
     /// Changes one camera, and tells of it.
     void setOffsets(const std::string& token, exposure::CompOffsets offsets);
+    /// Asks one camera for more stops, which turns it on if it has rules.
+    void nudge(const std::string& token, int partialsBy, int totalityBy);
     void setLeaveTotalityAlone(bool alone);
     /// All cameras that have rules by so many stops more.
     void nudgeAllComp(int by);
@@ -95,8 +99,8 @@ private:
     const SiteDesk& site_;
     const ScriptDesk& script_;
     const CameraRoster& roster_;
+    const MeasuredFloors& floors_;
     RunLogbook& logbook_;
-    const MeasuredFloors floors_;
     CompRulesBook rules_;
     base::Published<Offsets> compOffsets_;
     base::Published<bool> leaveTotalityAlone_{false};

@@ -24,9 +24,10 @@ double sane(double seconds) {
 } // namespace
 
 GapProfiler::GapProfiler(const ports::Ports& ports, RigLog& log, const CameraRoster& roster,
-                         const Transport& transport, const ManualFire& manualFire, MeasuredFloors& floors)
+                         const Transport& transport, const ManualFire& manualFire, MeasuredFloors& floors,
+                         BodiesInUse& inUse)
     : ports_(ports), log_(log), roster_(roster), transport_(transport), manualFire_(manualFire),
-      floors_(floors), quickFloor_(ports), sustainedBurst_(ports) {
+      floors_(floors), inUse_(inUse), quickFloor_(ports), sustainedBurst_(ports) {
 }
 
 void GapProfiler::setGapBurstShutter(double seconds) {
@@ -44,7 +45,7 @@ std::string GapProfiler::refusal(const CameraRoster::Camera& camera) const {
         return "A run is on, and a profile would cost it frames. Measure when it is over.";
     if (!camera || !camera->connected() || roster_.isDisconnected(camera->id()))
         return "This camera is not connected.";
-    if (busy_ && busy_(*camera))
+    if (inUse_.has(camera->id()))
         return "This camera is being read or fired. Measure it when that is over.";
     return {};
 }
@@ -56,6 +57,7 @@ std::string GapProfiler::runGapProfile(const std::string& camID) {
     if (std::string reason = refusal(camera); !reason.empty())
         return reason;
     camera_ = camera;
+    use_ = inUse_.take(camera->id());
     cameraName_ = roster_.labelFor(*camera);
     mode_ = gapProfileMode_.get();
     settings_ = gapSettingsMode_.get();
@@ -105,10 +107,6 @@ void GapProfiler::cutShort(GapProfileEnd end) {
     quickFloor_.abandon();
     sustainedBurst_.abandon();
     finish(end);
-}
-
-bool GapProfiler::measures(const cameras::CameraControl& camera) const {
-    return gapProfileRunning_.get() && camera_.get() == &camera;
 }
 
 void GapProfiler::followRoster() {
@@ -161,6 +159,7 @@ void GapProfiler::finish(GapProfileEnd end) {
     const std::string verdict = settle(end);
     servicesOff_.reset();
     camera_.reset();
+    use_ = {};
     gapProfileRung_.set(std::nullopt);
     log_.pushLog((mode_ == GapProfileMode::quickFloor ? "⏱ Gap profile " : "⏱ Sustained burst ") +
                  cameraName_ + ": " + verdict);

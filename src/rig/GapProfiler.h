@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Published.h"
+#include "rig/BodiesInUse.h"
 #include "rig/CadenceAdvisor.h"
 #include "rig/GapProfile.h"
 #include "rig/GapVerdicts.h"
@@ -11,7 +12,6 @@
 #include "rig/SustainedBurst.h"
 #include "rig/Transport.h"
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -39,14 +39,12 @@ public:
     };
 
     GapProfiler(const ports::Ports& ports, RigLog& log, const CameraRoster& roster,
-                const Transport& transport, const ManualFire& manualFire, MeasuredFloors& floors);
+                const Transport& transport, const ManualFire& manualFire, MeasuredFloors& floors,
+                BodiesInUse& inUse);
 
     /// How to ask whether the link of a body behind gphoto2 still works, where nothing was answered.
     /// Without it that is not asked.
     void setCheckLink(CheckLink checkLink) { checkLink_ = std::move(checkLink); }
-
-    /// A body for which this is true is in use by somebody else.
-    void setBusy(std::function<bool(const cameras::CameraControl&)> busy) { busy_ = std::move(busy); }
 
     /// What the next profile is to be. A shutter above 0, in seconds, makes the burst one of long frames; a
     /// target of 0, in seconds, is one that suits the body.
@@ -59,9 +57,6 @@ public:
     std::string runGapProfile(const std::string& camID);
     /// Ends the profile after the frame that is under way; it has measured nothing then.
     void stop();
-
-    /// This body is being measured, and nobody else is to ask it for anything.
-    bool measures(const cameras::CameraControl& camera) const;
 
     /// The roster has changed, or a run began or ended: a profile that has lost its body or stands in the
     /// way of a run ends.
@@ -101,11 +96,12 @@ private:
     const Transport& transport_;
     const ManualFire& manualFire_;
     MeasuredFloors& floors_;
+    BodiesInUse& inUse_;
     CheckLink checkLink_;
-    std::function<bool(const cameras::CameraControl&)> busy_;
     QuickFloor quickFloor_;
     SustainedBurst sustainedBurst_;
     CameraRoster::Camera camera_; // of the profile that is running
+    BodiesInUse::Use use_;        // the same
     std::string cameraName_;
     GapProfileMode mode_ = GapProfileMode::quickFloor;     // of that profile
     GapSettingsMode settings_ = GapSettingsMode::changing; // the same

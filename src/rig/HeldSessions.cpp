@@ -15,9 +15,9 @@ constexpr double roomForQuestions = 40.0;
 } // namespace
 
 HeldSessions::HeldSessions(const ports::Ports& ports, RigLog& log, const CameraRoster& roster,
-                           const FireLoop& fireLoop, Families families)
-    : ports_(ports), log_(log), roster_(roster), fireLoop_(fireLoop), families_(std::move(families)),
-      queue_(ports.queues.serial("held sessions")) {
+                           const FireLoop& fireLoop, const BodiesInUse& inUse, Families families)
+    : ports_(ports), log_(log), roster_(roster), fireLoop_(fireLoop), inUse_(inUse),
+      families_(std::move(families)), queue_(ports.queues.serial("held sessions")) {
 }
 
 void HeldSessions::startKeepAlive() {
@@ -29,7 +29,7 @@ bool HeldSessions::held(const cameras::CameraControl& camera) const {
 }
 
 bool HeldSessions::idleFor(const cameras::CameraControl& camera, double seconds) const {
-    return held(camera) && !fireLoop_.dueWithin(camera, seconds) && !(leaveAlone_ && leaveAlone_(camera));
+    return held(camera) && !fireLoop_.dueWithin(camera, seconds) && !inUse_.has(camera.id());
 }
 
 void HeldSessions::keepAliveHeldSessions() {

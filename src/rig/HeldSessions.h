@@ -2,6 +2,7 @@
 
 #include "base/Lifeline.h"
 #include "ports/Ports.h"
+#include "rig/BodiesInUse.h"
 #include "rig/CameraFamily.h"
 #include "rig/CameraRoster.h"
 #include "rig/FireLoop.h"
@@ -22,12 +23,7 @@ public:
     using Families = std::vector<std::shared_ptr<CameraFamily>>;
 
     HeldSessions(const ports::Ports& ports, RigLog& log, const CameraRoster& roster, const FireLoop& fireLoop,
-                 Families families);
-
-    /// Bodies for which this is true are not asked anything meanwhile: somebody measures their timing.
-    void setLeaveAlone(std::function<bool(const cameras::CameraControl&)> leaveAlone) {
-        leaveAlone_ = std::move(leaveAlone);
-    }
+                 const BodiesInUse& inUse, Families families);
 
     /// From now on every 45 s.
     void startKeepAlive();
@@ -59,9 +55,9 @@ private:
     RigLog& log_;
     const CameraRoster& roster_;
     const FireLoop& fireLoop_;
+    const BodiesInUse& inUse_;
     const Families families_;
     std::shared_ptr<ports::WorkQueue> queue_;
-    std::function<bool(const cameras::CameraControl&)> leaveAlone_;
     bool looking_ = false;
     bool lookAgain_ = false; // the bus has changed while it was looked at
     sigc::signal<void(const CameraRoster::Camera&)> idle_;

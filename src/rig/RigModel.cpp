@@ -15,18 +15,19 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
     : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
       script_(ports_, log_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
       sleepGuard_(ports_.keepAwake, log_), transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
-      keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion),
-      exposure_(ports_, log_, site_, script_, roster_, logbook_),
+      keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion), floors_(ports_.settings),
+      exposure_(ports_, log_, site_, script_, roster_, floors_, logbook_),
       outcomes_(ports_, log_, site_, roster_, logbook_, transport_),
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
       manualFire_(ports_, roster_, transport_, outcomes_, families),
-      testShots_(log_, script_, roster_, transport_, outcomes_, manualFire_), library_(ports_, log_, roster_),
-      floors_(ports_.settings), cadence_(log_, roster_, script_, floors_),
-      gapProfiler_(ports_, log_, roster_, transport_, manualFire_, floors_),
-      cameraProfiler_(ports_, roster_, transport_, library_), modes_(log_, roster_),
+      testShots_(log_, script_, roster_, transport_, outcomes_, manualFire_, inUse_),
+      library_(ports_, log_, roster_), validator_(ports_, log_, site_, script_, roster_, floors_),
+      cadence_(log_, roster_, script_, floors_),
+      gapProfiler_(ports_, log_, roster_, transport_, manualFire_, floors_, inUse_),
+      cameraProfiler_(ports_, roster_, transport_, library_, inUse_), modes_(log_, roster_),
       detector_(ports_, log_, roster_, transport_, families),
       reconnect_(ports_, log_, roster_, logbook_, transport_, families),
-      heldSessions_(ports_, log_, roster_, fireLoop_, families), announcer_(log_, script_),
+      heldSessions_(ports_, log_, roster_, fireLoop_, inUse_, families), announcer_(log_, script_),
       renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
       fireClock_(
           ports_, log_, transport_, [this](double dt) { advance(dt); }, [this] { return nextDue(); }) {
@@ -63,22 +64,11 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
 }
 
 void RigModel::connectProfilers(const CameraDetector::Families& families) {
-    using Body = cameras::CameraControl;
     transport_.setArmCheck([this] { return cadence_.holdsArming(); });
     logbook_.completed().connect(
         [this](const std::vector<BodyTally>& bodies) { cadence_.explainDrops(bodies); });
     roster_.changed().connect([this] { gapProfiler_.followRoster(); });
     transport_.activityChanged().connect([this] { gapProfiler_.followRun(); });
-    heldSessions_.setLeaveAlone([this](const Body& camera) { return gapProfiler_.measures(camera); });
-    testShots_.setBusy([this](const Body& camera) {
-        return gapProfiler_.measures(camera) || cameraProfiler_.reads(camera);
-    });
-    gapProfiler_.setBusy([this](const Body& camera) {
-        return testShots_.firing(camera.id()) || cameraProfiler_.reads(camera);
-    });
-    cameraProfiler_.setBusy([this](const Body& camera) {
-        return testShots_.firing(camera.id()) || gapProfiler_.measures(camera);
-    });
     gapProfiler_.setCheckLink([families, queue = ports_.queues.serial("zenka.linkcheck"),
                                &loop = ports_.loop](const CameraRoster::Camera& camera, const auto& done) {
         queue->post([families, &loop, backend = camera->backend(), port = camera->port(), done] {

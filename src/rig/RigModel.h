@@ -2,6 +2,7 @@
 
 #include "ports/Ports.h"
 #include "rig/Announcer.h"
+#include "rig/BodiesInUse.h"
 #include "rig/BodyModes.h"
 #include "rig/CadenceAdvisor.h"
 #include "rig/CameraDetector.h"
@@ -22,6 +23,7 @@
 #include "rig/RunKeeper.h"
 #include "rig/RunLogbook.h"
 #include "rig/ScriptDesk.h"
+#include "rig/ScriptValidator.h"
 #include "rig/SiteBook.h"
 #include "rig/SiteDesk.h"
 #include "rig/SleepGuard.h"
@@ -70,6 +72,7 @@ public:
     TestShots& testShots() { return testShots_; }
     LibraryDesk& library() { return library_; }
     MeasuredFloors& floors() { return floors_; }
+    ScriptValidator& validator() { return validator_; }
     CadenceAdvisor& cadence() { return cadence_; }
     GapProfiler& gapProfiler() { return gapProfiler_; }
     CameraProfiler& cameraProfiler() { return cameraProfiler_; }
@@ -98,13 +101,15 @@ private:
     SleepGuard sleepGuard_;
     Transport transport_;
     RunKeeper keeper_;
+    MeasuredFloors floors_;
     ExposureControl exposure_;
     FireOutcomes outcomes_;
     FireLoop fireLoop_;
     ManualFire manualFire_;
+    BodiesInUse inUse_;
     TestShots testShots_;
     LibraryDesk library_;
-    MeasuredFloors floors_;
+    ScriptValidator validator_;
     CadenceAdvisor cadence_;
     GapProfiler gapProfiler_;
     CameraProfiler cameraProfiler_;

@@ -125,10 +125,11 @@ void ScriptDesk::compareWithLastFile(const std::string& path) {
 void ScriptDesk::compile() {
     ports_.loop.cancel(debounce_);
     ++wantedCompile_;
-    take(script::ZenkaScript::compile(scriptText_.get(), {.eclipse = site_.eclipse(),
-                                                          .observer = site_.observer(),
-                                                          .contactTHours = site_.contactTHours(),
-                                                          .tzId = site_.site().tzId}));
+    take(script::ZenkaScript::compile(scriptText_.get(), site_.compileSite().context()));
+}
+
+std::vector<script::Capture> ScriptDesk::compilePreview(const std::string& text) const {
+    return script::ZenkaScript::compile(text, site_.compileSite().context()).captures;
 }
 
 void ScriptDesk::compileAside() {
@@ -137,13 +138,12 @@ void ScriptDesk::compileAside() {
             if (number == wantedCompile_)
                 take(std::move(*result));
         });
-    ports_.queues.background([arrive, &loop = ports_.loop, text = scriptText_.get(),
-                              eclipse = site_.sharedEclipse(), observer = site_.observer(),
-                              contacts = site_.contactTHours(), tzId = site_.site().tzId] {
-        const auto result = std::make_shared<script::CompiledScript>(script::ZenkaScript::compile(
-            text, {.eclipse = *eclipse, .observer = observer, .contactTHours = contacts, .tzId = tzId}));
-        loop.post([arrive, result] { arrive(result); });
-    });
+    ports_.queues.background(
+        [arrive, &loop = ports_.loop, text = scriptText_.get(), site = site_.compileSite()] {
+            const auto result =
+                std::make_shared<script::CompiledScript>(script::ZenkaScript::compile(text, site.context()));
+            loop.post([arrive, result] { arrive(result); });
+        });
 }
 
 void ScriptDesk::take(script::CompiledScript result) {
@@ -155,19 +155,26 @@ void ScriptDesk::take(script::CompiledScript result) {
 
     captureOffsets_.clear();
     captureOffsets_.reserve(captures_.size());
-    capturesByToken_.clear();
-    visibleCameras_.clear();
-    for (const script::Capture& capture : captures_) {
+    for (const script::Capture& capture : captures_)
         captureOffsets_.push_back(capture.offsetSec);
-        capturesByToken_[capture.camera].push_back(capture);
-        visibleCameras_.insert(capture.camera);
-    }
+    capturesByToken_ = script::capturesByToken(captures_);
+    visibleCameras_.clear();
+    for (const auto& [token, captures] : capturesByToken_)
+        visibleCameras_.insert(token);
     captureBounds_ = captures_.empty()
                          ? std::nullopt
                          : std::optional(Bounds{captureOffsets_.front(), captureOffsets_.back()});
 
     keep();
     compiled_.emit();
+}
+
+const script::Capture* ScriptDesk::nextCapture(const std::string& token, double clock) const {
+    const auto its = capturesByToken_.find(token);
+    if (its == capturesByToken_.end())
+        return nullptr;
+    const auto next = std::ranges::upper_bound(its->second, clock, {}, &script::Capture::offsetSec);
+    return next == its->second.end() ? nullptr : &*next;
 }
 
 bool ScriptDesk::loadNow(const std::string& path) {

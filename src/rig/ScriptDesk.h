@@ -44,9 +44,9 @@ public:
     /// The captures' offsets alone, so that a tick with nothing due touches nothing else.
     const std::vector<double>& captureOffsets() const { return captureOffsets_; }
     const std::optional<Bounds>& captureBounds() const { return captureBounds_; }
-    const std::map<std::string, std::vector<script::Capture>>& capturesByToken() const {
-        return capturesByToken_;
-    }
+    const script::CapturesByToken& capturesByToken() const { return capturesByToken_; }
+    /// The first frame of a camera behind a clock value; none when there is no more.
+    const script::Capture* nextCapture(const std::string& token, double clock) const;
     const std::vector<script::AudioCue>& audioCues() const { return audioCues_; }
     const std::vector<script::ScriptDiag>& diagnostics() const { return diagnostics_; }
     const std::vector<std::string>& cameraTokens() const { return cameraTokens_; }
@@ -99,6 +99,9 @@ public:
     /// Compiles for the site's last circumstances and raises compiled().
     void compile();
 
+    /// Compiles another text for the same, and touches nothing.
+    std::vector<script::Capture> compilePreview(const std::string& text) const;
+
     sigc::signal<void()>& compiled() { return compiled_; }
 
 private:
@@ -144,7 +147,7 @@ private:
     std::vector<script::Capture> captures_;
     std::vector<double> captureOffsets_;
     std::optional<Bounds> captureBounds_;
-    std::map<std::string, std::vector<script::Capture>> capturesByToken_;
+    script::CapturesByToken capturesByToken_;
     std::vector<script::AudioCue> audioCues_;
     std::vector<script::ScriptDiag> diagnostics_;
     std::vector<std::string> cameraTokens_;

@@ -7,6 +7,7 @@
 #include "eclipse/SkyCurve.h"
 #include "ports/Ports.h"
 #include "rig/RigLog.h"
+#include "script/ZenkaScript.h"
 
 #include <absl/time/time.h>
 
@@ -27,6 +28,19 @@ struct Site {
     std::string tzId = "Europe/Madrid"; ///< time-zone identifier
 
     friend bool operator==(const Site&, const Site&) = default;
+};
+
+/// What scripts are compiled for here. A value, so that any thread may work with it.
+struct CompileSite {
+    std::shared_ptr<const eclipse::Eclipse> eclipse;
+    eclipse::Observer observer;
+    std::map<std::string, double> contactTHours;
+    std::string tzId;
+
+    /// Lives no longer than this.
+    script::CompileContext context() const {
+        return {.eclipse = *eclipse, .observer = observer, .contactTHours = contactTHours, .tzId = tzId};
+    }
 };
 
 /// The selected eclipse and site, and what the eclipse is there. The site is remembered per eclipse.
@@ -51,6 +65,7 @@ public:
     const std::vector<eclipse::ViewSample>& curve() const { return curve_; }
     const std::map<std::string, double>& contactTHours() const { return contactTHours_; }
     std::optional<eclipse::ViewSample> sampleAt(double clock) const;
+    CompileSite compileSite() const { return {eclipse_, observer(), contactTHours_, site().tzId}; }
 
     /// Clock values of first and last contact; ∓7200 at a site that does not see the eclipse.
     double tC1() const { return tC1_; }

@@ -19,9 +19,10 @@ constexpr double clearanceSec = 30;
 } // namespace
 
 TestShots::TestShots(RigLog& log, const ScriptDesk& script, const CameraRoster& roster,
-                     const Transport& transport, FireOutcomes& outcomes, ManualFire& manualFire)
+                     const Transport& transport, FireOutcomes& outcomes, ManualFire& manualFire,
+                     BodiesInUse& inUse)
     : log_(log), script_(script), roster_(roster), transport_(transport), outcomes_(outcomes),
-      manualFire_(manualFire) {
+      manualFire_(manualFire), inUse_(inUse) {
 }
 
 std::optional<script::Capture> TestShots::nextCapture(const cameras::CameraControl& camera) const {
@@ -30,9 +31,9 @@ std::optional<script::Capture> TestShots::nextCapture(const cameras::CameraContr
     for (const auto& [token, captures] : script_.capturesByToken()) {
         if (!roster_.cameraMatches(camera, token))
             continue;
-        const auto its = std::ranges::upper_bound(captures, clock, {}, &script::Capture::offsetSec);
-        if (its != captures.end() && (!next || its->offsetSec < next->offsetSec))
-            next = &*its;
+        const script::Capture* its = script_.nextCapture(token, clock);
+        if (its && (!next || its->offsetSec < next->offsetSec))
+            next = its;
     }
     return next ? std::optional(*next) : std::nullopt;
 }
@@ -41,7 +42,7 @@ std::string TestShots::refusal(const cameras::CameraControl& camera, const camer
     const std::string label = roster_.labelFor(camera);
     if (firing(camera.id()))
         return "A test shot of " + label + " is under way. Wait for its result.";
-    if (busy_ && busy_(camera))
+    if (inUse_.has(camera.id()))
         return label + " is being measured or read. Wait for its end.";
     if (!transport_.live())
         return {};
@@ -57,7 +58,7 @@ std::string TestShots::refusal(const cameras::CameraControl& camera, const camer
 std::string TestShots::fire(const CameraRoster::Camera& camera, const cameras::Shot& shot) {
     if (std::string reason = refusal(*camera, shot); !reason.empty())
         return reason;
-    firing_.insert(camera->id());
+    firing_[camera->id()] = inUse_.take(camera->id());
     outcomes_.setLastFire(camera->id(), "Firing…");
     changed_.emit();
     manualFire_.fireManual(camera, shot,

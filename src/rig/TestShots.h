@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Lifeline.h"
+#include "rig/BodiesInUse.h"
 #include "rig/CameraRoster.h"
 #include "rig/FireOutcomes.h"
 #include "rig/ManualFire.h"
@@ -8,12 +9,9 @@
 #include "rig/ScriptDesk.h"
 #include "rig/Transport.h"
 
-#include <functional>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
-#include <utility>
 
 namespace zenka::rig {
 
@@ -23,7 +21,7 @@ namespace zenka::rig {
 class TestShots {
 public:
     TestShots(RigLog& log, const ScriptDesk& script, const CameraRoster& roster, const Transport& transport,
-              FireOutcomes& outcomes, ManualFire& manualFire);
+              FireOutcomes& outcomes, ManualFire& manualFire, BodiesInUse& inUse);
 
     struct Result {
         bool ok = false;
@@ -36,9 +34,6 @@ public:
 
         friend bool operator==(const Result&, const Result&) = default;
     };
-
-    /// A body for which this is true is being measured by somebody else.
-    void setBusy(std::function<bool(const cameras::CameraControl&)> busy) { busy_ = std::move(busy); }
 
     /// The next frame that the script has for a body; nothing when none is left.
     std::optional<script::Capture> nextCapture(const cameras::CameraControl& camera) const;
@@ -67,8 +62,8 @@ private:
     const Transport& transport_;
     FireOutcomes& outcomes_;
     ManualFire& manualFire_;
-    std::function<bool(const cameras::CameraControl&)> busy_;
-    std::set<std::string> firing_; // ids
+    BodiesInUse& inUse_;
+    std::map<std::string, BodiesInUse::Use> firing_; // by id
     std::map<std::string, Result> results_;
     sigc::signal<void()> changed_;
     base::Lifeline lifeline_;

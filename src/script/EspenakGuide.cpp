@@ -43,7 +43,7 @@ double stepOf(const std::vector<double>& sorted) {
     return steps == 0 ? 1 : std::min((sorted.back() - sorted.front()) / steps, widestStep);
 }
 
-ScriptNote coronaNote(std::vector<double> qs) {
+ScriptNote coronaNote(const Capture& first, std::vector<double> qs) {
     std::sort(qs.begin(), qs.end());
     const double step = stepOf(qs);
     const CoronaCoverage coverage = scoreCorona(std::move(qs), step);
@@ -53,7 +53,7 @@ ScriptNote coronaNote(std::vector<double> qs) {
         text += ", missing the " + *coverage.missing;
     if (coverage.covered < coverage.total)
         text += ". Widen the bracket (more exposures or a bigger EV step) to cover the rest.";
-    return {coverage.level, text};
+    return {coverage.level, text, first.lineNo};
 }
 
 struct SinglePhase {
@@ -77,7 +77,7 @@ ScriptNote singleNote(const SinglePhase& single, const Capture& first, std::span
                                        verdict.suggestedShutter);
     if (!single.remark.empty())
         text += absl::StrFormat(" %s", single.remark);
-    return {verdict.level, text};
+    return {verdict.level, text, first.lineNo};
 }
 
 } // namespace
@@ -166,7 +166,7 @@ std::vector<ScriptNote> scriptNotes(std::span<const Capture> captures) {
     }
     std::vector<ScriptNote> notes;
     if (Group& corona = groups[static_cast<std::size_t>(Phase::corona)]; corona.first)
-        notes.push_back(coronaNote(std::move(corona.qs)));
+        notes.push_back(coronaNote(*corona.first, std::move(corona.qs)));
     for (const SinglePhase& single : singlePhases)
         if (const Group& group = groups[static_cast<std::size_t>(single.phase)]; group.first)
             notes.push_back(singleNote(single, *group.first, group.qs));

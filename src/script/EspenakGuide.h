@@ -21,6 +21,7 @@ enum class Level { good, warn, bad };
 struct ScriptNote {
     Level level = Level::good;
     std::string message;
+    int lineNo = 0; ///< of the first of the frames that it is about
 
     friend bool operator==(const ScriptNote&, const ScriptNote&) = default;
 };

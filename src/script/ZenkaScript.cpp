@@ -47,6 +47,13 @@ std::map<std::string, double> contactTHours(const eclipse::LocalCircumstances& c
     return hours;
 }
 
+CapturesByToken capturesByToken(const std::vector<Capture>& captures) {
+    CapturesByToken byToken;
+    for (const Capture& capture : captures)
+        byToken[capture.camera].push_back(capture);
+    return byToken;
+}
+
 CompiledScript compileWithin(const Limits& limits, std::string_view text, const CompileContext& context,
                              std::optional<double> varValue) {
     Diagnostics diagnostics(limits.diagnostics);

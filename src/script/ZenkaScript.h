@@ -51,6 +51,10 @@ struct Capture {
     friend bool operator==(const Capture&, const Capture&) = default;
 };
 
+/// The captures of each camera, in their order.
+using CapturesByToken = std::map<std::string, std::vector<Capture>>;
+CapturesByToken capturesByToken(const std::vector<Capture>& captures);
+
 /// One spoken cue, or a command to run.
 struct AudioCue {
     base::Uuid id;

@@ -15,30 +15,12 @@ QString qt(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-QString stopsText(int stops) {
-    return stops > 0 ? QStringLiteral("+%1").arg(stops) : QString::number(stops);
-}
-
 QString originOf(const exposure::CompGaps& gaps) {
     if (gaps.source == "script")
         return QStringLiteral("from the script's CAMSET line");
     if (gaps.source == "profile")
         return QStringLiteral("from this body's profile (no CAMSET line in the script)");
     return QStringLiteral("defaults (no CAMSET line, body not profiled)");
-}
-
-template <typename Change>
-void changeOffsets(rig::ExposureControl& control, const QString& token, Change change) {
-    const auto& all = control.compOffsets().get();
-    const auto found = all.find(token.toStdString());
-    exposure::CompOffsets offsets = found == all.end() ? exposure::CompOffsets{} : found->second;
-    change(offsets);
-    control.setOffsets(token.toStdString(), offsets);
-}
-
-/// Asking for stops turns a camera on that may be.
-void turnOn(const rig::ExposureControl& control, const QString& token, exposure::CompOffsets& offsets) {
-    offsets.enabled = offsets.enabled || control.rules().hasSavedCompRules(token.toStdString());
 }
 
 } // namespace
@@ -55,31 +37,19 @@ CompensationView::CompensationView(rig::RigModel& rig, QObject* parent)
     refresh();
 }
 
-const script::Capture* CompensationView::nextOf(const std::string& token) const {
-    const auto& byToken = rig_.script().capturesByToken();
-    const auto its = byToken.find(token);
-    if (its == byToken.end())
-        return nullptr;
-    const auto next =
-        std::ranges::upper_bound(its->second, rig_.transport().clock(), {}, &script::Capture::offsetSec);
-    return next == its->second.end() ? nullptr : &*next;
-}
-
 CompensationView::Row CompensationView::rowOf(const std::string& token) const {
     const rig::ExposureControl& control = rig_.exposure();
-    const auto& all = control.compOffsets().get();
-    const auto found = all.find(token);
-    const exposure::CompOffsets offsets = found == all.end() ? exposure::CompOffsets{} : found->second;
+    const exposure::CompOffsets offsets = control.offsetsOf(token);
     Row row{.token = qt(token),
-            .partials = stopsText(offsets.partials),
-            .totality = stopsText(offsets.linked ? offsets.partials : offsets.totality),
+            .partials = qt(exposure::ExposureComp::signedStops(offsets.partials)),
+            .totality = qt(exposure::ExposureComp::signedStops(offsets.inTotality())),
             .gaps = originOf(control.compGaps(token)),
             .next = {},
             .note = {},
             .on = offsets.enabled,
             .linked = offsets.linked,
             .hasRules = control.rules().hasSavedCompRules(token)};
-    const script::Capture* next = nextOf(token);
+    const script::Capture* next = rig_.script().nextCapture(token, rig_.transport().clock());
     if (!next) {
         row.next = QStringLiteral("no frame to come");
         return row;
@@ -136,26 +106,24 @@ void CompensationView::setLeaveTotalityAlone(bool alone) {
 bool CompensationView::setOn(const QString& token, bool on) {
     if (on && !rig_.exposure().rules().hasSavedCompRules(token.toStdString()))
         return false;
-    changeOffsets(rig_.exposure(), token, [on](auto& offsets) { offsets.enabled = on; });
+    exposure::CompOffsets offsets = rig_.exposure().offsetsOf(token.toStdString());
+    offsets.enabled = on;
+    rig_.exposure().setOffsets(token.toStdString(), offsets);
     return true;
 }
 
 void CompensationView::nudgePartials(const QString& token, int by) {
-    changeOffsets(rig_.exposure(), token, [&](auto& offsets) {
-        turnOn(rig_.exposure(), token, offsets);
-        offsets.partials += by;
-    });
+    rig_.exposure().nudge(token.toStdString(), by, 0);
 }
 
 void CompensationView::nudgeTotality(const QString& token, int by) {
-    changeOffsets(rig_.exposure(), token, [&](auto& offsets) {
-        turnOn(rig_.exposure(), token, offsets);
-        offsets.totality += by;
-    });
+    rig_.exposure().nudge(token.toStdString(), 0, by);
 }
 
 void CompensationView::setLinked(const QString& token, bool linked) {
-    changeOffsets(rig_.exposure(), token, [linked](auto& offsets) { offsets.linked = linked; });
+    exposure::CompOffsets offsets = rig_.exposure().offsetsOf(token.toStdString());
+    offsets.linked = linked;
+    rig_.exposure().setOffsets(token.toStdString(), offsets);
 }
 
 void CompensationView::nudgeAll(int by) {

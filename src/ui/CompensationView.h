@@ -9,10 +9,6 @@ namespace zenka::rig {
 class RigModel;
 }
 
-namespace zenka::script {
-struct Capture;
-}
-
 namespace zenka::ui {
 
 /// Live exposure compensation, a row for each camera of the script and each body beside them.
@@ -71,7 +67,6 @@ private:
     };
 
     Row rowOf(const std::string& token) const;
-    const script::Capture* nextOf(const std::string& token) const;
     void refresh();
 
     rig::RigModel& rig_;

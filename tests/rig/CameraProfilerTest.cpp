@@ -13,8 +13,7 @@ namespace {
 
 struct CameraProfiler : testing::Test {
     VirtualRig rig;
-    rig::CameraProfiler profiler{rig.machine.all, rig.model.roster(), rig.model.transport(),
-                                 rig.model.library()};
+    rig::CameraProfiler& profiler = rig.model.cameraProfiler();
     std::shared_ptr<TimedCamera> body = std::make_shared<TimedCamera>(
         rig.machine.loop, rig.machine.time, [](double, int) { return TimedCamera::Reply{}; });
 
@@ -31,7 +30,7 @@ TEST_F(CameraProfiler, aBodyIsToldWithItsLensAndWhatItOffers) {
     body->choices.iso = {"100", "200"};
     EXPECT_EQ(profiler.runCameraProfile("timed"), "");
     EXPECT_TRUE(profiler.cameraProfileRunning().get());
-    EXPECT_TRUE(profiler.reads(*body));
+    EXPECT_NE(rig.model.gapProfiler().runGapProfile("timed"), "") << "the body is being read";
     EXPECT_EQ(profiler.runCameraProfile("timed"), "A camera is being read. Wait for its answer.");
     rig.run(21);
     EXPECT_FALSE(profiler.cameraProfileRunning().get());
@@ -68,9 +67,9 @@ TEST_F(CameraProfiler, whyNothingWasReadIsSaid) {
 
 TEST_F(CameraProfiler, oneThatIsNeededElsewhereIsRefused) {
     EXPECT_EQ(profiler.runCameraProfile("nobody"), "This camera is not connected.");
-    profiler.setBusy([](const cameras::CameraControl&) { return true; });
+    rig.model.testShots().fire(body, {.shutterSec = 0.01});
     EXPECT_NE(profiler.runCameraProfile("timed"), "");
-    profiler.setBusy(nullptr);
+    rig.run(60);
     rig.model.transport().togglePlay();
     EXPECT_NE(profiler.runCameraProfile("timed"), "");
     EXPECT_FALSE(profiler.cameraProfileRunning().get());

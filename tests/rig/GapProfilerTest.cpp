@@ -23,14 +23,8 @@ namespace {
 struct GapProfiler : testing::Test {
     std::shared_ptr<test::ScriptedFamily> family = std::make_shared<test::ScriptedFamily>();
     VirtualRig rig{{family}};
-    rig::MeasuredFloors floors{rig.machine.settings};
-    rig::GapProfiler profiler{rig.machine.all,       rig.model.log(),        rig.model.roster(),
-                              rig.model.transport(), rig.model.manualFire(), floors};
-
-    GapProfiler() {
-        rig.model.roster().changed().connect([this] { profiler.followRoster(); });
-        rig.model.transport().activityChanged().connect([this] { profiler.followRun(); });
-    }
+    rig::MeasuredFloors& floors = rig.model.floors();
+    rig::GapProfiler& profiler = rig.model.gapProfiler();
 
     std::shared_ptr<TimedCamera> add(const TimedCamera::Behave& behave) {
         auto body = std::make_shared<TimedCamera>(rig.machine.loop, rig.machine.time, behave);
@@ -193,7 +187,7 @@ TEST_F(GapProfiler, eachFrameIsWaitedForEightSecondsAndAFamilyWithoutThatCheckGo
     EXPECT_EQ(profiler.gapProfileRung()->value().frames, 0);
     rig.run(0.2);
     EXPECT_EQ(profiler.gapProfileRung()->value().noResp, 2) << "the driver refuses the next";
-    EXPECT_TRUE(profiler.measures(*body));
+    EXPECT_NE(rig.model.testShots().fire(body, {.shutterSec = 0.01}), "") << "the body is being measured";
     rig.machine.time.runUntil([&] { return !profiler.gapProfileRunning().get(); }, base::Seconds{600});
     EXPECT_THAT(verdict(), StartsWith("Dropped even at 5.0s"));
     EXPECT_EQ(linkChecks, 0);

@@ -1,0 +1,99 @@
+#include "rig/ScriptValidator.h"
+
+#include "cameras/CameraProfiles.h"
+
+#include <absl/strings/str_format.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace zenka::rig {
+
+ScriptValidator::ScriptValidator(const ports::Ports& ports, RigLog& log, const SiteDesk& site,
+                                 ScriptDesk& script, const CameraRoster& roster, const MeasuredFloors& floors)
+    : ports_(ports), log_(log), site_(site), script_(script), roster_(roster), floors_(floors) {
+    script.compiled().connect([this] { forget(); });
+}
+
+void ScriptValidator::forget() {
+    ++wanted_;
+    if (!didValidate_.get())
+        return;
+    validationIssues_.set({});
+    didValidate_.set(false);
+}
+
+void ScriptValidator::validateScript() {
+    struct Work {
+        IssueContext context;
+        std::vector<script::Capture> captures;
+        script::CapturesByToken byToken;
+        Issues issues;
+    };
+    const auto work = std::make_shared<Work>(Work{.context = context(script_.cameraTokens()),
+                                                  .captures = script_.captures(),
+                                                  .byToken = script_.capturesByToken()});
+    const auto arrive = lifeline_.guard([this, work, number = ++wanted_] {
+        if (number == wanted_)
+            take(std::move(work->issues), work->captures.size());
+    });
+    ports_.queues.background([work, arrive, &loop = ports_.loop] {
+        work->issues = computeIssues(work->context, work->captures, work->byToken);
+        loop.post(arrive);
+    });
+}
+
+void ScriptValidator::take(Issues issues, std::size_t captures) {
+    const auto errors = std::ranges::count(issues, "error", &script::ScriptDiag::severity);
+    const auto warnings = std::ssize(issues) - errors;
+    const auto plural = [](std::ptrdiff_t count) { return count == 1 ? "" : "s"; };
+    validationIssues_.set(std::move(issues));
+    didValidate_.set(true);
+    if (errors + warnings == 0)
+        log_.pushLog(absl::StrFormat("✓ Validate: no issues across %d captures", captures));
+    else
+        log_.pushLog(absl::StrFormat("Validate: %d error%s, %d warning%s", errors, plural(errors), warnings,
+                                     plural(warnings)));
+}
+
+ScriptValidator::Issues ScriptValidator::issues(const std::string& forScriptText) const {
+    const auto site = site_.compileSite();
+    auto compiled = script::ZenkaScript::compile(forScriptText, site.context());
+    Issues all = std::move(compiled.diagnostics);
+    std::ranges::move(computeIssues(context(compiled.cameras), compiled.captures,
+                                    script::capturesByToken(compiled.captures)),
+                      std::back_inserter(all));
+    return all;
+}
+
+IssueContext ScriptValidator::context(const std::vector<std::string>& tokens) const {
+    IssueContext context{.eclipse = site_.sharedEclipse(),
+                         .observer = site_.observer(),
+                         .contactTHours = site_.contactTHours(),
+                         .siteLabel = site_.site().label};
+    for (const std::string& token : tokens) {
+        std::vector<IssueBody>& bodies = context.bodies[token];
+        for (const auto& camera : roster_.camerasFor(token)) {
+            if (camera->connected() && !roster_.isDisconnected(camera->id()))
+                bodies.push_back(bodyBehind(*camera));
+        }
+        if (bodies.empty())
+            bodies.push_back({.name = token,
+                              .measuredFloorSec = floors_.measuredFloor(token),
+                              .catalogFloorSec = cameras::ShotProfiles::forModel(token).measuredFloorSec});
+    }
+    return context;
+}
+
+IssueBody ScriptValidator::bodyBehind(const cameras::CameraControl& camera) const {
+    const std::string& model = camera.model();
+    return {.name = roster_.labelFor(camera),
+            .driver = camera.backend(),
+            .measuredFloorSec = floors_.measuredFloor(model),
+            .sustainedFloorSec = floors_.sustainedFloor(model),
+            .catalogFloorSec = cameras::ShotProfiles::forModel(model).measuredFloorSec,
+            .burstDepth = floors_.burstDepth(model)};
+}
+
+} // namespace zenka::rig
