@@ -147,6 +147,7 @@ void ScriptDesk::compileAside() {
 }
 
 void ScriptDesk::take(script::CompiledScript result) {
+    takenCompile_ = wantedCompile_;
     captures_ = std::move(result.captures);
     audioCues_ = std::move(result.audioCues);
     diagnostics_ = std::move(result.diagnostics);

@@ -102,6 +102,9 @@ public:
     /// Compiles another text for the same, and touches nothing.
     std::vector<script::Capture> compilePreview(const std::string& text) const;
 
+    /// The text has changed, and what it compiles to is on its way.
+    bool compiling() const { return takenCompile_ != wantedCompile_; }
+
     sigc::signal<void()>& compiled() { return compiled_; }
 
 private:
@@ -153,6 +156,7 @@ private:
     std::vector<std::string> cameraTokens_;
     std::set<std::string> visibleCameras_;
     std::map<std::string, std::map<std::string, std::string>> scriptCameraSettings_;
+    std::size_t takenCompile_ = 0;
     std::size_t wantedCompile_ = 0; // only the result of the compile asked for last is taken
     ports::MainLoop::TimerId debounce_ = ports::MainLoop::TimerId::none;
     sigc::signal<void()> compiled_;

@@ -158,15 +158,17 @@ private:
     std::string belowSafeMargin(const Capture& before, const Capture& after, double gap,
                                 double exposure) const {
         const bool measured = body_.measuredFloorSec || body_.sustainedFloorSec;
-        const std::string whose = measured ? "this body's measured " : "";
         const std::string margin = fmtSecs(*spacing_.safe);
-        const std::string why =
+        const std::string needs =
             exposure >= longExposure
-                ? absl::StrFormat(" (the %s exposure plus your %s%s safe margin needs ~%s)",
-                                  fmtSecs(exposure), whose, margin, fmtSecs(*spacing_.safe + exposure))
-                : absl::StrFormat(": tighter than %s%s safe margin for this body", measured ? whose : "the ",
-                                  margin);
-        return opening(before, after, gap) + why + ". OK for a few frames, but risky across a long burst.";
+                ? absl::StrFormat(" (the %s exposure plus your %s safe margin needs ~%s)", fmtSecs(exposure),
+                                  margin, fmtSecs(*spacing_.safe + exposure))
+                : "";
+        return opening(before, after, gap) + needs +
+               absl::StrFormat(
+                   ": tighter than %s %s safe margin for this body. OK for a few frames, but risky "
+                   "across a long burst.",
+                   measured ? "this body's measured" : "the", margin);
     }
 
     void findDeepBurst() {

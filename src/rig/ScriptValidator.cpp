@@ -13,18 +13,24 @@ namespace zenka::rig {
 ScriptValidator::ScriptValidator(const ports::Ports& ports, RigLog& log, const SiteDesk& site,
                                  ScriptDesk& script, const CameraRoster& roster, const MeasuredFloors& floors)
     : ports_(ports), log_(log), site_(site), script_(script), roster_(roster), floors_(floors) {
-    script.compiled().connect([this] { forget(); });
+    script.compiled().connect([this] { followScript(); });
 }
 
-void ScriptValidator::forget() {
+void ScriptValidator::followScript() {
     ++wanted_;
-    if (!didValidate_.get())
-        return;
-    validationIssues_.set({});
-    didValidate_.set(false);
+    if (didValidate_.get()) {
+        validationIssues_.set({});
+        didValidate_.set(false);
+    }
+    if (std::exchange(whenCompiled_, false))
+        validateScript();
 }
 
 void ScriptValidator::validateScript() {
+    if (script_.compiling()) {
+        whenCompiled_ = true;
+        return;
+    }
     struct Work {
         IssueContext context;
         std::vector<script::Capture> captures;

@@ -24,7 +24,8 @@ public:
     ScriptValidator(const ports::Ports& ports, RigLog& log, const SiteDesk& site, ScriptDesk& script,
                     const CameraRoster& roster, const MeasuredFloors& floors);
 
-    /// Looks at the compiled script, off the main thread; what it finds is published and counted in the log.
+    /// Looks at the script, off the main thread, once what was typed is compiled; what is found is published
+    /// and counted in the log.
     void validateScript();
 
     const base::Published<Issues>& validationIssues() const { return validationIssues_; }
@@ -40,7 +41,7 @@ public:
 private:
     IssueBody bodyBehind(const cameras::CameraControl& camera) const;
     void take(Issues issues, std::size_t captures);
-    void forget();
+    void followScript();
 
     const ports::Ports& ports_;
     RigLog& log_;
@@ -50,6 +51,7 @@ private:
     const MeasuredFloors& floors_;
     base::Published<Issues> validationIssues_;
     base::Published<bool> didValidate_{false};
+    bool whenCompiled_ = false;
     std::size_t wanted_ = 0; // only what was found in the script that stands is taken
     base::Lifeline lifeline_;
 };

@@ -38,6 +38,10 @@ AppView::AppView(rig::RigModel& rig, QString version, QObject* parent)
         if (show)
             openSheet(QStringLiteral("Welcome"));
     });
+    observe(this, rig.cadence().chosen(), [this](rig::CadenceChoice choice) {
+        openSheet(choice == rig::CadenceChoice::measure ? QStringLiteral("GapProfiler")
+                                                        : QStringLiteral("Script"));
+    });
 }
 
 void AppView::openSheet(const QString& name) {
@@ -72,25 +76,6 @@ void AppView::setSheet(const QString& name) {
     typing_ = false; // a field that goes with its sheet does not say so
     rig_.renderPace().setSheetCoveringDashboard(coversDashboard(sheet_));
     Q_EMIT sheetChanged();
-}
-
-QString AppView::armWarning() const {
-    const auto alert = rig_.cadence().cadenceAlertForArm();
-    if (!alert)
-        return {};
-    const auto span = [](double seconds) { return QString::fromStdString(rig::fmtSecs(seconds)); };
-    return QStringLiteral(
-               "%1: the script has frames %2 apart, and this body %3 %4. About %5 % of such frames may "
-               "drop. Widen the spacing in the script, or use a faster body.")
-        .arg(QString::fromStdString(alert->cameraName), span(alert->scriptGapSec),
-             alert->estimated ? QStringLiteral("is expected to need")
-                              : QStringLiteral("was measured to need"),
-             span(alert->bodyFloorSec), QString::number(alert->pct));
-}
-
-void AppView::arm() {
-    closeSheet();
-    rig_.transport().armRealEclipseTiming(true); // what speaks against it was on the sheet
 }
 
 void AppView::leaveLive() {

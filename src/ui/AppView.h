@@ -29,8 +29,7 @@ public:
     Q_INVOKABLE void openSheet(const QString& name);
     /// Closes the sheet; a page to read gives way to the sheet that it was opened over.
     Q_INVOKABLE void closeSheet();
-    /// Begins and ends the live run, behind the deliberate act that the sheets ask for.
-    Q_INVOKABLE void arm();
+    /// Ends the live run, behind the deliberate act that its sheet asks for.
     Q_INVOKABLE void leaveLive();
     /// Ends the program, in a live run by the deliberate act of its sheet, which askToQuit() opens. The same
     /// goes for the window's close button: false keeps it open.
@@ -56,8 +55,6 @@ public:
     QString prompt() const;
     QString promptText() const;
     QString eclipseDayName() const;
-    /// Why frames of the script may drop on a body that is connected; empty for no reason.
-    Q_INVOKABLE QString armWarning() const;
     Q_INVOKABLE void acceptPrompt();
     Q_INVOKABLE void declinePrompt();
 

@@ -116,6 +116,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("openScriptCmd", "Open Script…", "Ctrl+O", script("open"))
         .add("saveScriptCmd", "Save Script…", "Ctrl+S", script("save"))
         .add("script", "Script…", "Ctrl+E", sheet("Script"))
+        .add("validate", "Validate Script", "F7", script("validate"))
         .add("location", "Location…", "Ctrl+L", sheet("Location"), simulated);
 
     addEdit(commands, edit);

@@ -34,7 +34,7 @@ void DiagnosticsList::take(const std::vector<script::ScriptDiag>& diagnostics, c
         const auto [place, isNew] =
             known.try_emplace(std::to_string(diag.lineNo) + diag.severity + diag.message, rows_.size());
         if (isNew)
-            rows_.push_back({.row = lines.rowOf(diag.lineNo),
+            rows_.push_back({.row = diag.lineNo < 1 ? wholeScript : lines.rowOf(diag.lineNo),
                              .error = diag.severity == "error",
                              .message = QString::fromStdString(diag.message)});
         else

@@ -24,8 +24,8 @@ private:
     std::vector<int> extraEnds_; // ascending numbers of the compiler's lines that end within a row
 };
 
-/// What the compiler says of a script, by line. What it says of one line in the same words in each round
-/// of a loop is one row with a count.
+/// What the compiler and the validator say of a script, by line. What they say of one line in the same words
+/// in each round of a loop is one row with a count.
 class DiagnosticsList : public QAbstractListModel {
     Q_OBJECT
     Q_PROPERTY(int count READ count NOTIFY changed)
@@ -56,8 +56,10 @@ Q_SIGNALS:
     void changed();
 
 private:
+    static constexpr int wholeScript = -1;
+
     struct Row {
-        int row = 0;
+        int row = 0; ///< of the editor; wholeScript for what stands in no line
         bool error = false;
         QString message;
         int times = 1;

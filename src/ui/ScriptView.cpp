@@ -64,10 +64,13 @@ ScriptView::ScriptView(rig::RigModel& rig, const ports::Ports& ports, QObject* p
     observe(this, desk_.edited().changed(), file);
     observe(this, desk_.currentScriptName().changed(), file);
     const auto takeCompiled = [this] {
-        diagnostics_.take(desk_.diagnostics(), LineMap(desk_.scriptText().get()));
+        std::vector<script::ScriptDiag> all = desk_.diagnostics();
+        std::ranges::copy(rig_.validator().validationIssues().get(), std::back_inserter(all));
+        diagnostics_.take(all, LineMap(desk_.scriptText().get()));
         Q_EMIT compiled();
     };
     observe(this, desk_.compiled(), takeCompiled);
+    observe(this, rig_.validator().didValidate().changed(), [takeCompiled](bool) { takeCompiled(); });
     takeCompiled();
 }
 
@@ -222,6 +225,26 @@ QString ScriptView::outside() const {
         return {};
     return QStringLiteral("%1 more than an hour outside the eclipse: see that this is meant.")
         .arg(counted(count, "frame"));
+}
+
+QString ScriptView::validated() const {
+    if (!rig_.validator().didValidate().get())
+        return {};
+    const auto& issues = rig_.validator().validationIssues().get();
+    if (issues.empty())
+        return QStringLiteral("✓ Validated: nothing stands against it at this site with these cameras.");
+    const auto errors = std::ranges::count(issues, "error", &script::ScriptDiag::severity);
+    const auto warnings = std::ssize(issues) - errors;
+    QStringList found;
+    if (errors > 0)
+        found.append(counted(errors, "error"));
+    if (warnings > 0)
+        found.append(counted(warnings, "warning"));
+    return QStringLiteral("Validated: %1, listed below.").arg(found.join(QStringLiteral(", ")));
+}
+
+void ScriptView::validate() {
+    rig_.validator().validateScript();
 }
 
 void ScriptView::tell(const QString& message, bool failed) {

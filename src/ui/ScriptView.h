@@ -34,6 +34,7 @@ class ScriptView : public QObject {
     Q_PROPERTY(QVariantList examples READ examples CONSTANT)
     Q_PROPERTY(QString summary READ summary NOTIFY compiled)
     Q_PROPERTY(QString outside READ outside NOTIFY compiled)
+    Q_PROPERTY(QString validated READ validated NOTIFY compiled)
     Q_PROPERTY(zenka::ui::DiagnosticsList* diagnostics READ diagnostics CONSTANT)
     Q_PROPERTY(bool colours READ colours NOTIFY sizeChanged)
     Q_PROPERTY(QString message READ message NOTIFY messageChanged)
@@ -70,6 +71,8 @@ public:
     QString summary() const;
     /// Words on frames far from the eclipse, empty where there are none.
     QString outside() const;
+    /// What came of the validation, empty when the script has changed since.
+    QString validated() const;
     DiagnosticsList* diagnostics() { return &diagnostics_; }
     const DiagnosticsList& diagnosticsList() const { return diagnostics_; }
     bool colours() const { return size_ <= mostColoured; }
@@ -91,6 +94,8 @@ public:
     Q_INVOKABLE void loadExample(const QString& file);
     Q_INVOKABLE void bringBackUnsaved();
     Q_INVOKABLE void setDefault(bool isDefault);
+    /// Holds the script against the sky and the bodies; what is found joins the diagnostics.
+    Q_INVOKABLE void validate();
     /// Stores the text at once.
     Q_INVOKABLE void keep() { desk_.keep(); }
 

@@ -3,6 +3,7 @@
 #include "ports/Ports.h"
 #include "rig/RigModel.h"
 #include "ui/AppView.h"
+#include "ui/ArmView.h"
 #include "ui/CamerasView.h"
 #include "ui/ChipsView.h"
 #include "ui/ClockView.h"
@@ -62,6 +63,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     QQmlContext& context = *engine_->rootContext();
     context.setContextProperty(QStringLiteral("theme"), theme_);
     context.setContextProperty(QStringLiteral("app"), app_);
+    context.setContextProperty(QStringLiteral("arming"), new ArmView(rig, *app_, this));
     context.setContextProperty(QStringLiteral("commands"), commands_);
     context.setContextProperty(QStringLiteral("clock"), new ClockView(rig, this));
     context.setContextProperty(QStringLiteral("chips"), new ChipsView(rig, this));

@@ -80,19 +80,3 @@ TEST_F(WindowCompensation, totalityHasStopsOfItsOwnUntilItFollows) {
     press("Compensate CAM1");
     EXPECT_FALSE(control.compActive());
 }
-
-TEST_F(WindowCompensation, armingASheetSaysWhichBodyTheScriptIsTooTightFor) {
-    rig.addBody("CAM1");
-    const double first = rig.model.transport().clock() + 100;
-    rig.load(rig.frameAt(first) + rig.frameAt(first + 0.4));
-    window->app().openSheet(QStringLiteral("Arm"));
-    window.settle();
-    EXPECT_TRUE(
-        window.says(QStringLiteral("CAM1: the script has frames 400 ms apart, and this body is expected to "
-                                   "need 1.3 s. About 69 % of such frames may drop.")));
-    window.key(Qt::Key_Escape);
-    rig.load(rig.frameAt(first) + rig.frameAt(first + 4));
-    window->app().openSheet(QStringLiteral("Arm"));
-    window.settle();
-    EXPECT_FALSE(window.says(QStringLiteral("may drop")));
-}

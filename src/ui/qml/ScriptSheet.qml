@@ -11,7 +11,7 @@ SheetFrame {
     readonly property bool low: height < 500
     title: low ? "Script  " + (script.edited ? "✎ " : "") + script.name : "Script"
     grow: true
-    readonly property string keysHere: "Ctrl+S: save. Ctrl+Shift+S: save as. Ctrl+O: open. Ctrl+N: new. Ctrl+Z, Ctrl+Shift+Z: undo, redo. Tab: to the buttons and the diagnostics, where Enter goes to the line. Escape: back, with the text kept."
+    readonly property string keysHere: "Ctrl+S: save. Ctrl+Shift+S: save as. Ctrl+O: open. Ctrl+N: new. F7: validate. Ctrl+Z, Ctrl+Shift+Z: undo, redo. Tab: to the buttons and the diagnostics, where Enter goes to the line. Escape: back, with the text kept."
 
     function askWhereToSave() {
         const dialog = theme.night && savePicker.item ? savePicker.item : saveDialog
@@ -146,6 +146,7 @@ SheetFrame {
                     }
                 }
             }
+            ZButton { objectName: "validateButton"; text: "Validate"; onClicked: script.validate() }
             ZButton { text: "Undo"; enabled: area.canUndo; onClicked: area.undo() }
             ZButton { text: "Redo"; enabled: area.canRedo; onClicked: area.redo() }
             ZButton {
@@ -257,6 +258,15 @@ SheetFrame {
             ZLabel { text: "line " + (area.row + 1); color: theme.quiet; wrapMode: Text.NoWrap }
         }
         ZLabel {
+            objectName: "scriptValidated"
+            Layout.fillWidth: true
+            visible: text !== ""
+            text: script.validated
+            color: text.startsWith("✓") ? theme.good : theme.warning
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
+        }
+        ZLabel {
             Layout.fillWidth: true
             visible: text !== ""
             text: script.outside
@@ -307,7 +317,7 @@ SheetFrame {
             ZLabel {
                 x: 8
                 visible: diagnosticsList.count === 0
-                text: "The compiler has nothing to remark."
+                text: script.validated === "" ? "The compiler has nothing to remark. Validate asks the sky and the cameras." : "There is nothing to remark."
                 color: theme.quiet
             }
             Keys.onReturnPressed: if (currentItem) sheet.goToRow(currentItem.row)
@@ -328,7 +338,7 @@ SheetFrame {
                 border.width: current ? 2 : 0
                 border.color: theme.accent
                 Accessible.role: Accessible.ListItem
-                Accessible.name: word + " in line " + line + ": " + message
+                Accessible.name: word + (line > 0 ? " in line " + line : "") + ": " + message
                 RowLayout {
                     anchors.fill: parent
                     anchors.leftMargin: 8
@@ -342,6 +352,7 @@ SheetFrame {
                         font.bold: true
                     }
                     Text {
+                        visible: diagnostic.line > 0
                         text: "line " + diagnostic.line
                         color: theme.text
                         font.pixelSize: theme.normal
@@ -418,6 +429,7 @@ SheetFrame {
             if (what === "newScript") script.newScript()
             else if (what === "open") sheet.ask()
             else if (what === "save") sheet.save()
+            else if (what === "validate") script.validate()
         }
         function onScriptLineWanted(lineNo) { sheet.goToRow(script.rowOfLine(lineNo)) }
     }
