@@ -46,4 +46,14 @@ std::optional<std::string> utf8Text(std::string_view bytes);
 
 std::string replacedAll(std::string_view text, std::string_view what, std::string_view with);
 
+/// The keys of an ordered map that begin so.
+template <typename Map>
+std::vector<std::string> keysBeginningWith(const Map& map, const std::string& prefix) {
+    std::vector<std::string> keys;
+    for (auto found = map.lower_bound(prefix); found != map.end() && found->first.starts_with(prefix);
+         ++found)
+        keys.push_back(found->first);
+    return keys;
+}
+
 } // namespace zenka::base

@@ -169,13 +169,7 @@ void QtSettings::remove(const std::string& key) {
 }
 
 std::vector<std::string> QtSettings::keysBeginningWith(const std::string& prefix) const {
-    std::vector<std::string> keys;
-    for (auto found = values_.lower_bound(prefix); found != values_.end(); ++found) {
-        if (!found->first.starts_with(prefix))
-            break;
-        keys.push_back(found->first);
-    }
-    return keys;
+    return base::keysBeginningWith(values_, prefix);
 }
 
 bool QtSettings::flush(base::Seconds limit) {

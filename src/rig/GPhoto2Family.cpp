@@ -31,17 +31,6 @@ bool newEnough(std::string_view version) {
     return major > 2 || (major == 2 && minor >= 5);
 }
 
-/// The one of a serial number; of several, as some makers number all alike, the one of the same model.
-std::vector<DownBody>::iterator bodyBehind(std::vector<DownBody>& down, const std::string& serial,
-                                           const std::string& model) {
-    const auto first = std::ranges::find(down, serial, &DownBody::serial);
-    const auto same = std::ranges::find_if(down, [&](const DownBody& body) {
-        return body.serial == serial &&
-               (body.model == model || SonyNames::sonyModelKey(body.model) == SonyNames::sonyModelKey(model));
-    });
-    return same != down.end() ? same : first;
-}
-
 } // namespace
 
 bool GPhoto2Family::usable(const Tell& tell) {
@@ -112,10 +101,9 @@ std::vector<CameraFamily::Rebound> GPhoto2Family::rebind(const std::vector<DownB
     std::vector<DownBody> missing = down;
     for (const auto& detected : program_.autodetect()) {
         const auto device = USBCameraNames::lookup(bus_, detected.port);
-        if (!device || !device->serial)
+        if (!device || device->serial.value_or("").empty())
             continue;
-        const std::string model = USBCameraNames::displayName(bus_, detected.model, detected.port);
-        const auto wanted = bodyBehind(missing, *device->serial, model);
+        const auto wanted = std::ranges::find(missing, *device->serial, &DownBody::serial);
         if (wanted == missing.end())
             continue;
         // A body on the bus need not be one that talks.

@@ -12,8 +12,7 @@ namespace zenka::script::ScriptWizardGen {
 
 namespace {
 
-constexpr double ceilingSlack = 1.001; ///< "1/30" and 0.0333 are the same
-constexpr double leastSpacing = 0.05;  ///< seconds
+constexpr double leastSpacing = 0.05; ///< seconds
 constexpr double marginOfTotality = 0.05;
 constexpr double longestTotality = 1000; ///< no central phase lasts longer, seconds
 constexpr int mostFrames = 4000;
@@ -77,9 +76,8 @@ std::vector<BracketFrame> bracketFrames(const BracketFrame& base, std::span<cons
 }
 
 int clampToCeiling(std::vector<BracketFrame>& frames, double ceilingSec) {
-    return static_cast<int>(std::erase_if(frames, [&](const BracketFrame& frame) {
-        return shutterSeconds(frame.shutter) > ceilingSec * ceilingSlack;
-    }));
+    return static_cast<int>(std::erase_if(
+        frames, [&](const BracketFrame& frame) { return exceedsCeiling(frame.shutter, ceilingSec); }));
 }
 
 double setDuration(std::span<const BracketFrame> frames, double spacing, bool lenr) {

@@ -14,7 +14,6 @@ constexpr double zenithAirmass = 0.9997119918558381; ///< of the formula below
 constexpr double stopsPerMagnitude = 0.4 * 3.321928094887362;
 constexpr double lowestAltDeg = -0.83; ///< the Sun's upper limb, lifted by refraction, is on the horizon
 constexpr double aThirdOfAStop = 1.0 / 3;
-constexpr double ceilingSlack = 1.001; ///< "1/30" and 0.0333 are the same
 
 /// Moves the shutter by up to so many stops towards the ceiling; returns what it found.
 double lengthenShutter(BracketFrame& frame, double stops, double ceilingSec) {
@@ -23,10 +22,10 @@ double lengthenShutter(BracketFrame& frame, double stops, double ceilingSec) {
         return 0;
     const double wanted = std::min(seconds * std::exp2(stops), ceilingSec);
     std::string_view best = snapToStandard(wanted);
-    if (shutterSeconds(best) > ceilingSec * ceilingSlack) {
+    if (exceedsCeiling(best, ceilingSec)) {
         // ascending: the last that the ceiling allows
         for (const std::string_view row : exposure::standardShutters())
-            if (shutterSeconds(row) <= ceilingSec * ceilingSlack)
+            if (!exceedsCeiling(row, ceilingSec))
                 best = row;
     }
     if (shutterSeconds(best) <= seconds)
@@ -52,6 +51,11 @@ double raiseISO(BracketFrame& frame, double stops, const WizardChoices& c) {
 }
 
 } // namespace
+
+bool exceedsCeiling(std::string_view shutter, double ceilingSec) {
+    constexpr double slack = 1.001; // "1/30" and 0.0333 are the same
+    return shutterSeconds(shutter) > ceilingSec * slack;
+}
 
 double airmass(double altDeg) {
     const double h = std::min(std::max(0.0, altDeg), 90.0);

@@ -4,10 +4,14 @@
 #include "script/ScriptWizardGen.h"
 
 #include <optional>
+#include <string_view>
 
 /// Longer exposures for a Sun that is dimmed by the air near the horizon. Altitudes are geometric, in
 /// degrees; one below the horizon counts as 0.
 namespace zenka::script::ScriptWizardGen {
+
+/// A shutter is longer than a ceiling, in seconds, by more than its rounded label.
+bool exceedsCeiling(std::string_view shutter, double ceilingSec);
 
 /// F. Kasten and A. T. Young, Revised optical air mass tables and approximation formula, 1989.
 double airmass(double altDeg);

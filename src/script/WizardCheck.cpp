@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "exposure/ExposureScales.h"
+#include "script/EdgePhases.h"
 
 #include <absl/strings/str_format.h>
 
@@ -19,7 +20,7 @@ public:
     explicit Check(UsableChoices& result) : result_(result) {}
 
     /// Out of range goes to the end of the range, no number at all to the initial value.
-    void number(const char* name, double& value, double initial, double lo, double hi) {
+    void number(std::string_view name, double& value, double initial, double lo, double hi) {
         if (!std::isfinite(value)) {
             say(name, std::isnan(value) ? "no number" : "an infinite number", absl::StrFormat("%g", initial));
             value = initial;
@@ -31,7 +32,7 @@ public:
     }
 
     /// The same, where 0 and less make no sense and give the initial value.
-    void positive(const char* name, double& value, double initial, double lo, double hi) {
+    void positive(std::string_view name, double& value, double initial, double lo, double hi) {
         if (value <= 0) {
             say(name, absl::StrFormat("%g", value), absl::StrFormat("%g", initial));
             value = initial;
@@ -39,21 +40,21 @@ public:
         number(name, value, initial, lo, hi);
     }
 
-    void count(const char* name, int& value, int lo, int hi) {
+    void count(std::string_view name, int& value, int lo, int hi) {
         const int taken = std::clamp(value, lo, hi);
         if (taken != value)
             say(name, std::to_string(value), std::to_string(taken));
         value = taken;
     }
 
-    void iso(const char* name, int& value, int initial) {
+    void iso(std::string_view name, int& value, int initial) {
         const int taken = value <= 0 ? initial : std::min(value, 102400);
         if (taken != value)
             say(name, std::to_string(value), std::to_string(taken));
         value = taken;
     }
 
-    void shutter(const char* name, std::string& text, const std::string& initial) {
+    void shutter(std::string_view name, std::string& text, const std::string& initial) {
         const std::string typed(base::trimmed(text));
         const double seconds = exposure::shutterSeconds(typed);
         const std::string taken(seconds > 0 ? std::string(exposure::snapToStandard(seconds)) : initial);
@@ -64,7 +65,7 @@ public:
     }
 
     /// A limit need not be a standard shutter.
-    void limit(const char* name, std::string& text, const char* initial) {
+    void limit(std::string_view name, std::string& text, const std::string& initial) {
         const std::string typed(base::trimmed(text));
         if (exposure::shutterSeconds(typed) > 0 && typed.size() <= longestName) {
             text = typed;
@@ -74,7 +75,7 @@ public:
         text = initial;
     }
 
-    void aperture(const char* name, std::string& text, const char* initial) {
+    void aperture(std::string_view name, std::string& text, const std::string& initial) {
         const std::string typed(base::trimmed(text));
         const double value = base::readNumber(typed).value_or(0);
         if (value >= 0.5 && value <= 128 && typed.size() <= 8) {
@@ -86,7 +87,7 @@ public:
     }
 
 private:
-    void say(const char* name, const std::string& given, const std::string& taken) {
+    void say(std::string_view name, const std::string& given, const std::string& taken) {
         result_.remarks.push_back(absl::StrFormat("%s: %s cannot be used, %s is taken.", name, given, taken));
     }
 
@@ -108,44 +109,18 @@ void checkPartials(Check& check, WizardChoices& c) {
     check.iso("Low-Sun ISO", c.lowSunMaxISO, 1600);
 }
 
-struct Edge {
-    const char* shutterName;
-    const char* apertureName;
-    const char* isoName;
-    const char* fromName;
-    const char* toName;
-    const char* everyName;
-};
-
-void checkEdge(Check& check, const Edge& names, std::string& shutter, std::string& aperture, int& iso,
-               double& from, double& to, double& every, const std::string& initialShutter, double initialFrom,
-               double initialTo, double initialEvery) {
-    constexpr double furthest = 180;
-    check.shutter(names.shutterName, shutter, initialShutter);
-    check.aperture(names.apertureName, aperture, "8.0");
-    check.iso(names.isoName, iso, 200);
-    check.number(names.fromName, from, initialFrom, 0, furthest);
-    check.number(names.toName, to, initialTo, 0, furthest);
-    check.number(names.everyName, every, initialEvery, 0, 60);
-}
-
 void checkEdges(Check& check, WizardChoices& c) {
+    constexpr double furthest = 180;
     const WizardChoices initial;
-    checkEdge(check,
-              {"Diamond ring shutter", "Diamond ring aperture", "Diamond ring ISO", "Diamond ring from",
-               "Diamond ring to", "Diamond ring every"},
-              c.diamondShutter, c.diamondAperture, c.diamondISO, c.diamondFrom, c.diamondTo, c.diamondEvery,
-              initial.diamondShutter, initial.diamondFrom, initial.diamondTo, initial.diamondEvery);
-    checkEdge(check,
-              {"Baily's beads shutter", "Baily's beads aperture", "Baily's beads ISO", "Baily's beads from",
-               "Baily's beads to", "Baily's beads every"},
-              c.beadsShutter, c.beadsAperture, c.beadsISO, c.beadsFrom, c.beadsTo, c.beadsEvery,
-              initial.beadsShutter, initial.beadsFrom, initial.beadsTo, initial.beadsEvery);
-    checkEdge(check,
-              {"Prominences shutter", "Prominences aperture", "Prominences ISO", "Prominences from",
-               "Prominences to", "Prominences every"},
-              c.promShutter, c.promAperture, c.promISO, c.promFrom, c.promTo, c.promEvery,
-              initial.promShutter, initial.promFrom, initial.promTo, initial.promEvery);
+    for (const EdgePhase& edge : edgePhases) {
+        const auto name = [&](const char* what) { return absl::StrFormat("%s %s", edge.name, what); };
+        check.shutter(name("shutter"), c.*edge.shutter, initial.*edge.shutter);
+        check.aperture(name("aperture"), c.*edge.aperture, initial.*edge.aperture);
+        check.iso(name("ISO"), c.*edge.iso, initial.*edge.iso);
+        check.number(name("from"), c.*edge.from, initial.*edge.from, 0, furthest);
+        check.number(name("to"), c.*edge.to, initial.*edge.to, 0, furthest);
+        check.number(name("every"), c.*edge.every, initial.*edge.every, 0, 60);
+    }
     if (c.egressDrainGap < 0)
         c.egressDrainGap = 0; // a negative one is as good as none
     check.number("Egress drain gap", c.egressDrainGap, 0, 0, 60);

@@ -1,5 +1,6 @@
 // The phases around second and third contact: diamond ring, beads, prominences.
 #include "base/Text.h"
+#include "script/EdgePhases.h"
 #include "script/WizardPlan.h"
 
 #include <absl/strings/str_format.h>
@@ -13,15 +14,6 @@ namespace {
 /// The last frame may come so much behind the bound, for the times are summed up.
 constexpr double boundSlack = 0.000001;
 
-struct EdgePhase {
-    std::string_view name;
-    bool inside = false; ///< behind C2 and before C3
-    BracketFrame frame;
-    double from = 0; ///< seconds from the contact
-    double to = 0;
-    double every = 0;
-};
-
 struct Steps {
     double ingress = 0;
     double egress = 0;
@@ -29,7 +21,7 @@ struct Steps {
 
 Steps stepsOf(const EdgePhase& phase, const BracketFrame& frame, const WizardChoices& c) {
     const double busy = occupancy(shutterSeconds(frame.shutter), c.lenrOn);
-    const double gap = std::max(phase.every, c.minShotGapSame);
+    const double gap = std::max(c.*phase.every, c.minShotGapSame);
     const double ingress = gap >= 0.1 ? gap + busy : busy + 0.1;
     return {ingress, ingress + std::max(c.egressDrainGap, 0.0)};
 }
@@ -41,17 +33,18 @@ std::string heading(const EdgePhase& phase, const BracketFrame& frame, const Ste
     if (c.egressDrainGap > 0)
         text += absl::StrFormat(", egress every %gs (buffer drain)", steps.egress);
     text += absl::StrFormat(", C2%s%g..%gs (mirrored at C3)", phase.inside ? "+" : base::minusSign, lo, hi);
-    if (frame != phase.frame)
-        text += absl::StrFormat(" [low-sun shift from %s ISO %s]", phase.frame.shutter, phase.frame.iso);
+    if (const BracketFrame asked = phase.frame(c); frame != asked)
+        text += absl::StrFormat(" [low-sun shift from %s ISO %s]", asked.shutter, asked.iso);
     return text;
 }
 
 void edgePhase(Lines& lines, const Plan& plan, const EdgePhase& phase) {
+    const BracketFrame asked = phase.frame(plan.c);
     const BracketFrame frame =
-        plan.lowSunAltDeg ? lowSunShiftFrame(phase.frame, *plan.lowSunAltDeg, plan.c).frame : phase.frame;
+        plan.lowSunAltDeg ? lowSunShiftFrame(asked, *plan.lowSunAltDeg, plan.c).frame : asked;
     const Steps steps = stepsOf(phase, frame, plan.c);
-    const double lo = std::min(phase.from, phase.to);
-    const double hi = std::max(phase.from, phase.to);
+    const double lo = std::min(plan.c.*phase.from, plan.c.*phase.to);
+    const double hi = std::max(plan.c.*phase.from, plan.c.*phase.to);
     lines.push_back(heading(phase, frame, steps, lo, hi, plan.c));
 
     int early = 0;
@@ -88,31 +81,10 @@ void edgePhase(Lines& lines, const Plan& plan, const EdgePhase& phase) {
 } // namespace
 
 void appendEdgePhases(Lines& lines, const Plan& plan) {
-    const WizardChoices& c = plan.c;
-    if (c.diamondRings)
-        edgePhase(lines, plan,
-                  {"Diamond ring",
-                   false,
-                   {c.diamondShutter, c.diamondAperture, std::to_string(c.diamondISO)},
-                   c.diamondFrom,
-                   c.diamondTo,
-                   c.diamondEvery});
-    if (c.beads)
-        edgePhase(lines, plan,
-                  {"Baily's beads",
-                   false,
-                   {c.beadsShutter, c.beadsAperture, std::to_string(c.beadsISO)},
-                   c.beadsFrom,
-                   c.beadsTo,
-                   c.beadsEvery});
-    if (c.prominences)
-        edgePhase(lines, plan,
-                  {"Prominences",
-                   true,
-                   {c.promShutter, c.promAperture, std::to_string(c.promISO)},
-                   c.promFrom,
-                   c.promTo,
-                   c.promEvery});
+    for (const EdgePhase& phase : edgePhases) {
+        if (plan.c.*phase.wanted)
+            edgePhase(lines, plan, phase);
+    }
 }
 
 } // namespace zenka::script::ScriptWizardGen

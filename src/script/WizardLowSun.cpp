@@ -1,7 +1,10 @@
 // What a camera's plan says of the low Sun.
+#include "script/EdgePhases.h"
 #include "script/WizardPlan.h"
 
 #include <absl/strings/str_format.h>
+
+#include <algorithm>
 
 namespace zenka::script::ScriptWizardGen {
 
@@ -24,12 +27,9 @@ void appendPartialsNote(Lines& lines, const Plan& plan) {
 }
 
 int edgesPast(const Plan& plan, double altDeg) {
-    const WizardChoices& c = plan.c;
-    const auto past = [&](bool wanted, const std::string& shutter, int iso) {
-        return wanted && lowSunShiftFrame({shutter, "8.0", std::to_string(iso)}, altDeg, c).past ? 1 : 0;
-    };
-    return past(c.diamondRings, c.diamondShutter, c.diamondISO) + past(c.beads, c.beadsShutter, c.beadsISO) +
-           past(c.prominences, c.promShutter, c.promISO);
+    return static_cast<int>(std::ranges::count_if(edgePhases, [&](const EdgePhase& phase) {
+        return plan.c.*phase.wanted && lowSunShiftFrame(phase.frame(plan.c), altDeg, plan.c).past;
+    }));
 }
 
 void appendTotalityNote(Lines& lines, const Plan& plan, double altDeg) {

@@ -125,12 +125,15 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add(
             "togglePlay", "Play / Pause", "Ctrl+P", [&transport] { transport.togglePlay(); }, simulated)
         // One key: with compensation on it takes that back, as in the field there is no time for a menu.
-        .add("jumpToTime", "Jump to Time…", "Ctrl+0", [&rig, &app] {
-            if (rig.exposure().compActive())
-                rig.exposure().resetExposureComp(true);
-            else if (!rig.transport().live())
-                app.openSheet(QStringLiteral("Jump"));
-        });
+        .add(
+            "jumpToTime", "Jump to Time…", "Ctrl+0",
+            [&rig, &app] {
+                if (rig.exposure().compActive())
+                    rig.exposure().resetExposureComp(true);
+                else
+                    app.openSheet(QStringLiteral("Jump"));
+            },
+            [&rig] { return rig.exposure().compActive() || !rig.transport().live(); });
 
     const auto notTyping = [&app] { return !app.typing(); };
     Menu(commands, "Exposure")

@@ -1,5 +1,7 @@
 #include "platform/virtual/VirtualMachine.h"
 
+#include "base/Text.h"
+
 #include <cmath>
 #include <deque>
 #include <utility>
@@ -157,13 +159,7 @@ std::optional<bool> MemorySettings::flag(const std::string& key) const {
 }
 
 std::vector<std::string> MemorySettings::keysBeginningWith(const std::string& prefix) const {
-    std::vector<std::string> keys;
-    for (auto found = values_.lower_bound(prefix); found != values_.end(); ++found) {
-        if (!found->first.starts_with(prefix))
-            break;
-        keys.push_back(found->first);
-    }
-    return keys;
+    return base::keysBeginningWith(values_, prefix);
 }
 
 } // namespace zenka::platform
