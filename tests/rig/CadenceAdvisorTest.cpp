@@ -210,27 +210,6 @@ TEST_F(CadenceAdvisor, whatIsNoMeasurementReadsAsNone) {
     EXPECT_EQ(floors.longFrameFloor("Z8"), (rig::MeasuredFloors::LongFrameFloor{2, 2.5, true}));
 }
 
-TEST_F(CadenceAdvisor, eachMeasurementIsReported) {
-    std::vector<rig::MeasuredFloors::Fields> reported;
-    floors.report = [&](const std::string& event, const rig::MeasuredFloors::Fields& fields) {
-        EXPECT_EQ(event, "profile");
-        reported.push_back(fields);
-    };
-    floors.saveMeasuredFloor("Z8", 0.4, true);
-    floors.saveSustainedFloor("Z8", 0.5004);
-    floors.saveBurstDepth("Z8", 12, 0.5);
-    floors.saveLongFrameFloor("Z8", 2, 2.5, false);
-    floors.saveMeasuredFloor("Z8", 0, true);
-    using Fields = rig::MeasuredFloors::Fields;
-    EXPECT_EQ(
-        reported,
-        (std::vector<Fields>{
-            {{"model", "Z8"}, {"floor_ms", "400"}, {"settings", "same"}},
-            {{"model", "Z8"}, {"floor_ms", "500"}, {"settings", "sustained"}},
-            {{"model", "Z8"}, {"burst_frames", "12"}, {"burst_cadence", "0.5"}},
-            {{"model", "Z8"}, {"long_shutter_s", "2.0"}, {"long_cadence", "2.5"}, {"long_held", "false"}}}));
-}
-
 TEST_F(CadenceAdvisor, measurementsOfEarlierVersionsAreThrownAwayOnce) {
     const std::vector<std::string> olympus{"OLYMPUS E-M1X", "OM System OM-1", "omsystem", "E-M1 Mark III",
                                            "OM-5"};

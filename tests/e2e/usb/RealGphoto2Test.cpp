@@ -18,11 +18,15 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <fstream>
+#include <iterator>
 
 using namespace zenka;
 using test::serveUntil;
-using testing::ElementsAre;
+using testing::Contains;
+using testing::Not;
 
 namespace {
 
@@ -106,6 +110,18 @@ struct RealGphoto2 : testing::Test {
         rig.recompute();
         rig.transport().armRealEclipseTiming(true);
     }
+    /// The gphoto2 processes that are held open.
+    static std::vector<pid_t> sessions() {
+        std::vector<pid_t> found;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+            std::ifstream file(entry.path() / "cmdline");
+            const std::string words((std::istreambuf_iterator<char>(file)), {});
+            const std::string name = entry.path().filename();
+            if (words.find("gphoto2") != words.npos && words.find("--shell") != words.npos)
+                found.push_back(std::stoi(name));
+        }
+        return found;
+    }
     /// How many rows of the run log a body has with a result.
     int rows(const std::string& serial, const std::string& result) {
         rig.logbook().drain(base::Seconds{5});
@@ -183,4 +199,32 @@ TEST_F(RealGphoto2, aBodyThatHangsIsResetAndTakenBack) {
     EXPECT_TRUE(serveUntil([&] { return outcome.ok; })) << outcome.note;
     EXPECT_EQ(bus.tell("F77", "shots"), 1);
     EXPECT_EQ(bus.tell("F77", "iso"), 400);
+}
+
+TEST_F(RealGphoto2, aKilledSessionCostsSomeFramesAndNoMore) {
+    bus.plug("6012345", "NIKON", "NIKON DSC Z 8", nikon, 12);
+    detect(1);
+    rig.roster().setLabelOfSerial("6012345", "CAM1");
+    arm({"CAM1"}, 40);
+    ASSERT_TRUE(serveUntil([&] { return rows("6012345", "ok") >= 2; })); // and no frame is under way
+    const auto held = sessions();
+    ASSERT_EQ(held.size(), 1U);
+    ASSERT_EQ(::kill(held.front(), SIGKILL), 0);
+    const int before = bus.tell("6012345", "shots");
+    ASSERT_TRUE(serveUntil([&] { return bus.tell("6012345", "shots") >= before + 3; }));
+    EXPECT_THAT(sessions(), Not(Contains(held.front())));
+    rig.transport().useSimulatedTiming();
+    EXPECT_TRUE(serveUntil([&] { return rows("6012345", "ok") == bus.tell("6012345", "shots"); }));
+}
+
+TEST_F(RealGphoto2, aBodyThatNeverAnswersHoldsUpNeitherDetectNorTheEnd) {
+    bus.plug("6012345", "NIKON", "NIKON DSC Z 8", nikon, 13);
+    bus.silence("6012345");
+    detect(1);
+    ASSERT_TRUE(serveUntil([&] { return !sessions().empty(); }));
+    const auto begin = std::chrono::steady_clock::now();
+    detect(1);
+    rig.handleAppWillTerminate();
+    EXPECT_TRUE(serveUntil([] { return test::childless(); }));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10)) << "its start has 12 s";
 }
