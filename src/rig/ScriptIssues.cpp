@@ -136,39 +136,35 @@ private:
                                 body_.name, after.refLabel, fmtSecs(gap), fmtSecs(exposure),
                                 fmtSecs(2 * exposure)));
         if (spacing_.drop && tighterThan(*spacing_.drop + exposure))
-            add("warning", after.lineNo, belowDropFloor(before, after, gap, exposure));
+            add("warning", after.lineNo,
+                opening(before, after, gap) + belowDropFloor(*spacing_.drop, exposure));
         else if (spacing_.safe && tighterThan(*spacing_.safe + exposure))
-            add("warning", after.lineNo, belowSafeMargin(before, after, gap, exposure));
+            add("warning", after.lineNo,
+                opening(before, after, gap) + belowSafeMargin(*spacing_.safe, exposure));
     }
 
     std::string opening(const Capture& before, const Capture& after, double gap) const {
         return absl::StrFormat("%s: %s: only %s between %s and %s", body_.name, after.refLabel, fmtSecs(gap),
                                before.refLabel, after.refLabel);
     }
-    std::string belowDropFloor(const Capture& before, const Capture& after, double gap,
-                               double exposure) const {
-        const std::string floor = fmtSecs(*spacing_.drop);
+    static std::string belowDropFloor(double drop, double exposure) {
         const std::string why =
             exposure >= longExposure
-                ? absl::StrFormat(" (the %s exposure + ~%s to write)", fmtSecs(exposure), floor)
-                : absl::StrFormat(" (the %s drop floor)", floor);
-        return opening(before, after, gap) + why +
-               "; the second will likely drop. Widen the spacing or use a faster body.";
+                ? absl::StrFormat(" (the %s exposure + ~%s to write)", fmtSecs(exposure), fmtSecs(drop))
+                : absl::StrFormat(" (the %s drop floor)", fmtSecs(drop));
+        return why + "; the second will likely drop. Widen the spacing or use a faster body.";
     }
-    std::string belowSafeMargin(const Capture& before, const Capture& after, double gap,
-                                double exposure) const {
+    std::string belowSafeMargin(double safe, double exposure) const {
         const bool measured = body_.measuredFloorSec || body_.sustainedFloorSec;
-        const std::string margin = fmtSecs(*spacing_.safe);
         const std::string needs =
             exposure >= longExposure
                 ? absl::StrFormat(" (the %s exposure plus your %s safe margin needs ~%s)", fmtSecs(exposure),
-                                  margin, fmtSecs(*spacing_.safe + exposure))
+                                  fmtSecs(safe), fmtSecs(safe + exposure))
                 : "";
-        return opening(before, after, gap) + needs +
-               absl::StrFormat(
-                   ": tighter than %s %s safe margin for this body. OK for a few frames, but risky "
-                   "across a long burst.",
-                   measured ? "this body's measured" : "the", margin);
+        return needs + absl::StrFormat(
+                           ": tighter than %s %s safe margin for this body. OK for a few frames, but risky "
+                           "across a long burst.",
+                           measured ? "this body's measured" : "the", fmtSecs(safe));
     }
 
     void findDeepBurst() {
