@@ -1,13 +1,12 @@
 #include "ui/CompRulesView.h"
 
-#include "base/Text.h"
 #include "exposure/ExposureScales.h"
 #include "rig/RigModel.h"
+#include "ui/ExposureFields.h"
 
 #include <QVariantMap>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace zenka::ui {
@@ -27,29 +26,9 @@ QString shutterText(double seconds) {
     return qt(exposure::snapToStandard(seconds));
 }
 
-/// A typed number, 0 for what is none: every limit is above 0.
-double numberOf(const QString& text) {
-    const std::string typed = base::replacedAll(text.trimmed().toStdString(), ",", ".");
-    const double value = base::readNumber(typed).value_or(0);
-    return std::isfinite(value) ? value : 0;
-}
-
-double shutterOf(const QString& text) {
-    const double seconds = exposure::readShutterChoice(text.trimmed().toStdString()).value_or(0);
-    return std::isfinite(seconds) ? seconds : 0;
-}
-
-/// "f/5.6" and "5,6" alike.
-double apertureOf(QString text) {
-    text = text.trimmed();
-    if (text.startsWith(QLatin1String("f/"), Qt::CaseInsensitive))
-        text.remove(0, 2);
-    return numberOf(text);
-}
-
-int isoOf(const QString& text) {
-    const double value = numberOf(text);
-    return value >= 1 && value < 1e7 ? static_cast<int>(std::lround(value)) : 0;
+/// What was typed, 0 where it cannot be read: every limit is above 0.
+double typedValue(ExposureFields::Field field, const QString& text) {
+    return ExposureFields::read(field, text.toStdString()).value;
 }
 
 } // namespace
@@ -138,12 +117,13 @@ void CompRulesView::typeLimit(int pair, bool high, const QString& text) {
 std::string CompRulesView::read(CompRules& rules) const {
     rules = rules_;
     const auto& [iso, shutter, aperture] = typed_;
-    rules.isoMin = isoOf(iso[0]);
-    rules.isoMax = isoOf(iso[1]);
-    rules.shutterFastestSec = shutterOf(shutter[0]);
-    rules.shutterSlowestSec = shutterOf(shutter[1]);
-    rules.apertureWidest = apertureOf(aperture[0]);
-    rules.apertureNarrowest = apertureOf(aperture[1]);
+    using ExposureFields::Field;
+    rules.isoMin = static_cast<int>(typedValue(Field::iso, iso[0]));
+    rules.isoMax = static_cast<int>(typedValue(Field::iso, iso[1]));
+    rules.shutterFastestSec = typedValue(Field::shutter, shutter[0]);
+    rules.shutterSlowestSec = typedValue(Field::shutter, shutter[1]);
+    rules.apertureWidest = typedValue(Field::aperture, aperture[0]);
+    rules.apertureNarrowest = typedValue(Field::aperture, aperture[1]);
     if (rules.isoMin == 0 || rules.isoMax == 0)
         return "An ISO is a whole number, as 100.";
     if (rules.shutterFastestSec == 0 || rules.shutterSlowestSec == 0)

@@ -12,7 +12,7 @@ namespace zenka::ui {
 
 namespace {
 
-using TestShotFields::Field;
+using ExposureFields::Field;
 
 QString qt(const std::string& text) {
     return QString::fromStdString(text);
@@ -95,8 +95,8 @@ std::optional<TestShotView::Draft> TestShotView::scriptDraft() const {
     if (!next)
         return std::nullopt;
     Draft draft{.texts = {}, .faults = {}, .frame = next->refLabel};
-    for (const Field field : TestShotFields::all)
-        draft.texts[at(field)] = TestShotFields::textOf(field, rig::shotOf(*next));
+    for (const Field field : ExposureFields::all)
+        draft.texts[at(field)] = ExposureFields::textOf(field, rig::shotOf(*next));
     return draft;
 }
 
@@ -110,22 +110,22 @@ void TestShotView::type(Field field, const QString& text) {
     // Not while it is being typed, but a fault that has been told goes as soon as it is mended.
     std::string& told = typed.faults[at(field)];
     if (!told.empty())
-        told = TestShotFields::read(field, typed.texts[at(field)]).fault;
+        told = ExposureFields::read(field, typed.texts[at(field)]).fault;
     lastTyped_ = typed.texts;
     refusal_.clear();
     Q_EMIT changed();
 }
 
 void TestShotView::nudge(Field field, int steps) {
-    type(field, qt(TestShotFields::nudged(field, text(field).toStdString(), steps)));
+    type(field, qt(ExposureFields::nudged(field, text(field).toStdString(), steps)));
 }
 
 void TestShotView::check() {
     if (!hasBody())
         return;
     Draft& typed = draft();
-    for (const Field field : TestShotFields::all)
-        typed.faults[at(field)] = TestShotFields::read(field, typed.texts[at(field)]).fault;
+    for (const Field field : ExposureFields::all)
+        typed.faults[at(field)] = ExposureFields::read(field, typed.texts[at(field)]).fault;
     Q_EMIT changed();
 }
 
@@ -143,7 +143,7 @@ void TestShotView::fire() {
     Draft& typed = draft();
     if (std::ranges::any_of(typed.faults, [](const std::string& fault) { return !fault.empty(); }))
         return;
-    const auto value = [&](Field field) { return TestShotFields::read(field, typed.texts[at(field)]).value; };
+    const auto value = [&](Field field) { return ExposureFields::read(field, typed.texts[at(field)]).value; };
     refusal_ = qt(rig_.testShots().fire(camera, {.iso = static_cast<int>(value(Field::iso)),
                                                  .aperture = value(Field::aperture),
                                                  .shutterSec = value(Field::shutter)}));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/TestShotFields.h"
+#include "ui/ExposureFields.h"
 
 #include <QObject>
 #include <QString>
@@ -55,13 +55,13 @@ public:
     Q_INVOKABLE void open();
     Q_INVOKABLE void nextBody();
 
-    Q_INVOKABLE void typeIso(const QString& text) { type(TestShotFields::Field::iso, text); }
-    Q_INVOKABLE void typeAperture(const QString& text) { type(TestShotFields::Field::aperture, text); }
-    Q_INVOKABLE void typeShutter(const QString& text) { type(TestShotFields::Field::shutter, text); }
+    Q_INVOKABLE void typeIso(const QString& text) { type(ExposureFields::Field::iso, text); }
+    Q_INVOKABLE void typeAperture(const QString& text) { type(ExposureFields::Field::aperture, text); }
+    Q_INVOKABLE void typeShutter(const QString& text) { type(ExposureFields::Field::shutter, text); }
     /// By standard values, up or down.
-    Q_INVOKABLE void nudgeIso(int steps) { nudge(TestShotFields::Field::iso, steps); }
-    Q_INVOKABLE void nudgeAperture(int steps) { nudge(TestShotFields::Field::aperture, steps); }
-    Q_INVOKABLE void nudgeShutter(int steps) { nudge(TestShotFields::Field::shutter, steps); }
+    Q_INVOKABLE void nudgeIso(int steps) { nudge(ExposureFields::Field::iso, steps); }
+    Q_INVOKABLE void nudgeAperture(int steps) { nudge(ExposureFields::Field::aperture, steps); }
+    Q_INVOKABLE void nudgeShutter(int steps) { nudge(ExposureFields::Field::shutter, steps); }
     /// The typing in a field is over: what cannot be read is told.
     Q_INVOKABLE void check();
     /// The settings of the body's next frame in the script.
@@ -73,12 +73,12 @@ public:
     bool hasOthers() const;
     QString bodyName() const;
     QString bodyFacts() const;
-    QString iso() const { return text(TestShotFields::Field::iso); }
-    QString aperture() const { return text(TestShotFields::Field::aperture); }
-    QString shutter() const { return text(TestShotFields::Field::shutter); }
-    QString isoFault() const { return fault(TestShotFields::Field::iso); }
-    QString apertureFault() const { return fault(TestShotFields::Field::aperture); }
-    QString shutterFault() const { return fault(TestShotFields::Field::shutter); }
+    QString iso() const { return text(ExposureFields::Field::iso); }
+    QString aperture() const { return text(ExposureFields::Field::aperture); }
+    QString shutter() const { return text(ExposureFields::Field::shutter); }
+    QString isoFault() const { return fault(ExposureFields::Field::iso); }
+    QString apertureFault() const { return fault(ExposureFields::Field::aperture); }
+    QString shutterFault() const { return fault(ExposureFields::Field::shutter); }
     /// Where the settings come from, and what an empty one means.
     QString origin() const;
     /// "C2 −8s", the frame whose settings takeScript() would bring; empty where they stand already.
@@ -111,10 +111,10 @@ private:
     std::shared_ptr<cameras::CameraControl> body() const;
     Draft& draft() { return drafts_[cameraId_]; }
     void begin();
-    void type(TestShotFields::Field field, const QString& text);
-    void nudge(TestShotFields::Field field, int steps);
-    QString text(TestShotFields::Field field) const;
-    QString fault(TestShotFields::Field field) const;
+    void type(ExposureFields::Field field, const QString& text);
+    void nudge(ExposureFields::Field field, int steps);
+    QString text(ExposureFields::Field field) const;
+    QString fault(ExposureFields::Field field) const;
     void followBody();
     std::optional<Draft> scriptDraft() const;
 

@@ -6,15 +6,15 @@
 #include <gtest/gtest.h>
 
 using namespace zenka;
-using ui::TestShotFields::Field;
-using ui::TestShotFields::nudged;
-using ui::TestShotFields::read;
-using ui::TestShotFields::textOf;
+using ui::ExposureFields::Field;
+using ui::ExposureFields::nudged;
+using ui::ExposureFields::read;
+using ui::ExposureFields::textOf;
 
-TEST(TestShotFields, readWhatPeopleTypeAndPasteAndTellTheRest) {
-    for (const Field field : ui::TestShotFields::all) {
+TEST(ExposureFields, readWhatPeopleTypeAndPasteAndTellTheRest) {
+    for (const Field field : ui::ExposureFields::all) {
         for (const char* own : {"", "  ", "-", "auto", "AUTO"})
-            EXPECT_EQ(read(field, own), (ui::TestShotFields::Reading{})) << own;
+            EXPECT_EQ(read(field, own), (ui::ExposureFields::Reading{})) << own;
         for (const char* bad : {"x", "1e999", "nan", "inf", "-3", "0", "1/0", "99999999999", "8 8"}) {
             EXPECT_NE(read(field, bad).fault, "") << bad;
             EXPECT_EQ(read(field, bad).value, 0) << bad;
@@ -29,7 +29,7 @@ TEST(TestShotFields, readWhatPeopleTypeAndPasteAndTellTheRest) {
     EXPECT_TRUE(read(Field::shutter, "bulb 4").fault.starts_with("Bulb is for scripts."));
 }
 
-TEST(TestShotFields, aSettingReadsBackAsItIsWritten) {
+TEST(ExposureFields, aSettingReadsBackAsItIsWritten) {
     double worst = 0;
     for (const std::string_view text : exposure::standardShutters()) {
         const double seconds = exposure::shutterSeconds(text);
@@ -42,7 +42,7 @@ TEST(TestShotFields, aSettingReadsBackAsItIsWritten) {
     EXPECT_EQ(textOf(Field::shutter, {.shutterSec = 4, .bulb = true}), "");
 }
 
-TEST(TestShotFields, arrowsGoFromOneStandardValueToTheNextAndStopAtTheEnds) {
+TEST(ExposureFields, arrowsGoFromOneStandardValueToTheNextAndStopAtTheEnds) {
     EXPECT_EQ(nudged(Field::iso, "100", 3), "200");
     EXPECT_EQ(nudged(Field::iso, "50", -1), "50");
     EXPECT_EQ(nudged(Field::aperture, "8", -1), "7.1");

@@ -1,4 +1,4 @@
-#include "ui/TestShotFields.h"
+#include "ui/ExposureFields.h"
 
 #include "base/Text.h"
 #include "exposure/ExposureScales.h"
@@ -9,7 +9,7 @@
 #include <cmath>
 #include <vector>
 
-namespace zenka::ui::TestShotFields {
+namespace zenka::ui::ExposureFields {
 
 namespace {
 
@@ -134,4 +134,4 @@ std::string nudged(Field field, std::string_view text, int steps) {
     return scale[static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(row + steps, 0, last))];
 }
 
-} // namespace zenka::ui::TestShotFields
+} // namespace zenka::ui::ExposureFields

@@ -8,7 +8,7 @@
 
 /// The settings of a shot as they are typed: "100", "8", "1/500". A blank one, "-" and "auto" leave the
 /// body's own.
-namespace zenka::ui::TestShotFields {
+namespace zenka::ui::ExposureFields {
 
 enum class Field { iso, aperture, shutter };
 inline constexpr std::array<Field, 3> all{Field::iso, Field::aperture, Field::shutter};
@@ -30,4 +30,4 @@ std::string textOf(Field field, const cameras::Shot& shot);
 /// The standard value so many steps up or down from what is typed; a common one where nothing can be read.
 std::string nudged(Field field, std::string_view text, int steps);
 
-} // namespace zenka::ui::TestShotFields
+} // namespace zenka::ui::ExposureFields
