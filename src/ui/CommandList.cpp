@@ -137,7 +137,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
 
     const auto notTyping = [&app] { return !app.typing(); };
     Menu(commands, "Exposure")
-        .add("compensation", "Exposure Compensation…", "Ctrl+K", sheet("Compensation"))
+        .add("compensation", "Exposure Compensation…", "Ctrl+Shift+E", sheet("Compensation"))
         .add(
             "compUp", "All Cameras +1 Stop", "Ctrl+Up", [&rig] { rig.exposure().nudgeAllComp(1); }, notTyping)
         .add(

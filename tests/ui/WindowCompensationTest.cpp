@@ -28,7 +28,7 @@ struct WindowCompensation : testing::Test {
 
 TEST_F(WindowCompensation, aCameraGetsItsRulesIsNudgedByKeyAndGoesBackToZero) {
     EXPECT_EQ(textOf("compensation"), QStringLiteral("EV 0"));
-    window.key(Qt::Key_K, Qt::ControlModifier);
+    window.key(Qt::Key_E, Qt::ControlModifier | Qt::ShiftModifier);
     ASSERT_EQ(sheet(), QStringLiteral("Compensation"));
     EXPECT_TRUE(window.says(QStringLiteral("ISO 200")));
     window.click(window.named("compRules"));
@@ -64,7 +64,7 @@ TEST_F(WindowCompensation, aCameraGetsItsRulesIsNudgedByKeyAndGoesBackToZero) {
 
 TEST_F(WindowCompensation, totalityHasStopsOfItsOwnUntilItFollows) {
     control.rules().saveCompRules({}, "CAM1");
-    window.key(Qt::Key_K, Qt::ControlModifier);
+    window.key(Qt::Key_E, Qt::ControlModifier | Qt::ShiftModifier);
     const auto press = [&](const char* words) {
         window.click(window.find([&](const QQuickItem& item) {
             return item.inherits("QQuickAbstractButton") && test::nameOf(&item) == QString::fromUtf8(words);
