@@ -1,15 +1,17 @@
 #pragma once
 
-#include <set>
+#include <map>
 #include <string>
 #include <utility>
 
 namespace zenka::rig {
 
-/// Which bodies somebody has for himself: a test shot, a measurement, a reading. Nobody else asks them for
-/// anything meanwhile. Main thread; outlives all uses.
+/// Which bodies somebody has for himself. Nobody else asks them for anything meanwhile. Main thread; outlives
+/// all uses.
 class BodiesInUse {
 public:
+    enum class Task { testShot, measuring, reading };
+
     /// Lasts as long as it is held.
     class Use {
     public:
@@ -23,7 +25,7 @@ public:
         }
         ~Use() {
             if (bodies_)
-                bodies_->ids_.erase(id_);
+                bodies_->tasks_.erase(id_);
         }
 
     private:
@@ -35,14 +37,18 @@ public:
     };
 
     /// A body that is not in use is, from now on.
-    Use take(const std::string& id) {
-        ids_.insert(id);
+    Use take(const std::string& id, Task task) {
+        tasks_.emplace(id, task);
         return {*this, id};
     }
-    bool has(const std::string& id) const { return ids_.contains(id); }
+    bool has(const std::string& id) const { return tasks_.contains(id); }
+    bool has(const std::string& id, Task task) const {
+        const auto found = tasks_.find(id);
+        return found != tasks_.end() && found->second == task;
+    }
 
 private:
-    std::set<std::string> ids_;
+    std::map<std::string, Task> tasks_; // by id
 };
 
 } // namespace zenka::rig

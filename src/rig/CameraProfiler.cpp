@@ -30,7 +30,7 @@ std::string CameraProfiler::runCameraProfile(const std::string& camID) {
         return "This camera is being measured or fired. Read it when that is over.";
 
     camera_ = *found;
-    use_ = inUse_.take(camID);
+    use_ = inUse_.take(camID, BodiesInUse::Task::reading);
     const CameraRoster::Camera& camera = camera_;
     CameraProfileResult result{.model = camera->model(), .serial = camera->serial()};
     if (const auto entry = library_.find(result.serial))

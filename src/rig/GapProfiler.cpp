@@ -57,7 +57,7 @@ std::string GapProfiler::runGapProfile(const std::string& camID) {
     if (std::string reason = refusal(camera); !reason.empty())
         return reason;
     camera_ = camera;
-    use_ = inUse_.take(camera->id());
+    use_ = inUse_.take(camera->id(), BodiesInUse::Task::measuring);
     cameraName_ = roster_.labelFor(*camera);
     mode_ = gapProfileMode_.get();
     settings_ = gapSettingsMode_.get();

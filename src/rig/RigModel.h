@@ -29,6 +29,7 @@
 #include "rig/SleepGuard.h"
 #include "rig/TestShots.h"
 #include "rig/Transport.h"
+#include "rig/WizardDesk.h"
 
 #include <string>
 
@@ -70,6 +71,7 @@ public:
     FireLoop& fireLoop() { return fireLoop_; }
     ManualFire& manualFire() { return manualFire_; }
     TestShots& testShots() { return testShots_; }
+    const BodiesInUse& inUse() const { return inUse_; }
     LibraryDesk& library() { return library_; }
     MeasuredFloors& floors() { return floors_; }
     ScriptValidator& validator() { return validator_; }
@@ -83,6 +85,7 @@ public:
     Announcer& announcer() { return announcer_; }
     RenderPace& renderPace() { return renderPace_; }
     FireClock& fireClock() { return fireClock_; }
+    WizardDesk& wizard() { return wizard_; }
 
 private:
     void connectCameras();
@@ -120,6 +123,7 @@ private:
     Announcer announcer_;
     RenderPace renderPace_;
     FireClock fireClock_;
+    WizardDesk wizard_{log_, script_, transport_};
 };
 
 } // namespace zenka::rig

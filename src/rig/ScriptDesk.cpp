@@ -235,6 +235,14 @@ void ScriptDesk::loadExample(std::string text, std::string name) {
     compile();
 }
 
+void ScriptDesk::loadFrom(std::string text, std::string name, const std::string& path) {
+    const auto saved = Fingerprint::of(text);
+    replace(std::move(text), {.name = std::move(name), .file = path, .saved = saved});
+    if (!path.empty())
+        files_.noteRecent(path);
+    compile();
+}
+
 std::string ScriptDesk::defaultScript() const {
     return ports_.settings.text(settingsKeys::defaultScriptPath).value_or("");
 }

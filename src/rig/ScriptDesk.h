@@ -85,6 +85,8 @@ public:
     void newScript();
     /// A script that belongs to no file, compiled.
     void loadExample(std::string text, std::string name);
+    /// A script that stands in a file already, compiled; an empty path for one that is in none.
+    void loadFrom(std::string text, std::string name, const std::string& path);
 
     /// The file that each start begins with; an empty path for none.
     std::string defaultScript() const;

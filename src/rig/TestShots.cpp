@@ -58,7 +58,7 @@ std::string TestShots::refusal(const cameras::CameraControl& camera, const camer
 std::string TestShots::fire(const CameraRoster::Camera& camera, const cameras::Shot& shot) {
     if (std::string reason = refusal(*camera, shot); !reason.empty())
         return reason;
-    firing_[camera->id()] = inUse_.take(camera->id());
+    firing_[camera->id()] = inUse_.take(camera->id(), BodiesInUse::Task::testShot);
     outcomes_.setLastFire(camera->id(), "Firing…");
     changed_.emit();
     manualFire_.fireManual(camera, shot,

@@ -46,7 +46,7 @@ double stepOf(const std::vector<double>& sorted) {
 ScriptNote coronaNote(const Capture& first, std::vector<double> qs) {
     std::sort(qs.begin(), qs.end());
     const double step = stepOf(qs);
-    const CoronaCoverage coverage = scoreCorona(std::move(qs), step);
+    const CoronaCoverage coverage = scoreCorona(qs, step);
     std::string text =
         absl::StrFormat("corona bracket reaches %d of %d brightness zones", coverage.covered, coverage.total);
     if (coverage.missing)
@@ -115,22 +115,30 @@ Verdict scoreSingle(double targetQ, double ap, int iso, std::span<const double> 
     return verdict;
 }
 
-CoronaCoverage scoreCorona(std::vector<double> qs, double evStep) {
-    CoronaCoverage coverage{.total = static_cast<int>(coronaZoneQs.size())};
+std::array<bool, 7> coronaZones(const std::vector<double>& qs, double evStep) {
+    std::array<bool, 7> zones{};
+    if (qs.empty())
+        return zones;
+    const auto [lowest, highest] = std::minmax_element(qs.begin(), qs.end());
+    const double tolerance = std::max(evStep * 0.6, 0.75);
+    for (std::size_t zone = 0; zone < zones.size(); ++zone)
+        zones[zone] = coronaZoneQs[zone] >= *lowest - tolerance && coronaZoneQs[zone] <= *highest + tolerance;
+    return zones;
+}
+
+CoronaCoverage scoreCorona(const std::vector<double>& qs, double evStep) {
+    const auto zones = coronaZones(qs, evStep);
+    CoronaCoverage coverage{.covered = static_cast<int>(std::count(zones.begin(), zones.end(), true)),
+                            .total = static_cast<int>(zones.size())};
     if (qs.empty())
         return coverage;
-    std::sort(qs.begin(), qs.end());
-    const double tolerance = std::max(evStep * 0.6, 0.75);
-    const auto reached = [&](double zoneQ) {
-        return zoneQ >= qs.front() - tolerance && zoneQ <= qs.back() + tolerance;
-    };
-    coverage.covered = static_cast<int>(std::count_if(coronaZoneQs.begin(), coronaZoneQs.end(), reached));
     coverage.level = coverage.covered == coverage.total ? Level::good
                      : coverage.covered >= 5            ? Level::warn
                                                         : Level::bad;
     // The end of the longest exposures, the lowest Q, is the one that reaches the faint outer corona.
     if (coverage.covered < coverage.total)
-        coverage.missing = qs.front() > coronaZoneQs.back() ? "outer corona" : "inner corona";
+        coverage.missing =
+            *std::min_element(qs.begin(), qs.end()) > coronaZoneQs.back() ? "outer corona" : "inner corona";
     return coverage;
 }
 

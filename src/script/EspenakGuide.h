@@ -3,6 +3,7 @@
 #include "script/BracketFrame.h"
 #include "script/ZenkaScript.h"
 
+#include <array>
 #include <optional>
 #include <span>
 #include <string>
@@ -60,8 +61,10 @@ double q(const ScriptWizardGen::BracketFrame& of);
 /// stop beside the target; frames are measured against the ideal. Without frames the level is bad.
 Verdict scoreSingle(double targetQ, double ap, int iso, std::span<const double> frameQs);
 
-/// Which zones of the corona lie between the ends of a ladder of exposures, evStep stops apart.
-CoronaCoverage scoreCorona(std::vector<double> qs, double evStep);
+/// Which zones of the corona, from the innermost one on, lie between the ends of a ladder of exposures,
+/// evStep stops apart; and how that is.
+std::array<bool, 7> coronaZones(const std::vector<double>& qs, double evStep);
+CoronaCoverage scoreCorona(const std::vector<double>& qs, double evStep);
 
 /// The phase that a frame's comment names.
 Phase phase(std::string_view comment);

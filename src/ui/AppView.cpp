@@ -17,7 +17,8 @@ namespace {
 
 /// Sheets that cover the dashboard, which then need not be drawn often.
 bool coversDashboard(const QString& sheet) {
-    return sheet == QLatin1String("Script") || sheet == QLatin1String("Settings");
+    return sheet == QLatin1String("Script") || sheet == QLatin1String("Settings") ||
+           sheet == QLatin1String("Wizard");
 }
 
 /// Bytes of a script that are laid out without holding up a frame by more than some tenths of a second.
@@ -38,10 +39,6 @@ AppView::AppView(rig::RigModel& rig, QString version, QObject* parent)
         if (show)
             openSheet(QStringLiteral("Welcome"));
     });
-    observe(this, rig.cadence().chosen(), [this](rig::CadenceChoice choice) {
-        openSheet(choice == rig::CadenceChoice::measure ? QStringLiteral("GapProfiler")
-                                                        : QStringLiteral("Script"));
-    });
 }
 
 void AppView::openSheet(const QString& name) {
@@ -53,17 +50,17 @@ void AppView::openSheet(const QString& name) {
                            "frames. Pause the run, then open it.");
         return;
     }
-    sheetBelow_.clear();
+    sheetsBelow_.clear();
     setSheet(name);
 }
 
 void AppView::closeSheet() {
-    setSheet(std::exchange(sheetBelow_, QString()));
+    setSheet(sheetsBelow_.isEmpty() ? QString() : sheetsBelow_.takeLast());
 }
 
 void AppView::openPage(const QString& name) {
-    if (sheetBelow_.isEmpty() && !isPage(sheet_))
-        sheetBelow_ = sheet_;
+    if (!sheet_.isEmpty() && sheet_ != name && !isPage(sheet_))
+        sheetsBelow_.append(sheet_);
     setSheet(name);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 namespace zenka::rig {
 class RigModel;
@@ -78,7 +79,7 @@ private:
     rig::RigModel& rig_;
     const QString version_;
     QString sheet_;
-    QString sheetBelow_; ///< the one to go back to
+    QStringList sheetsBelow_; ///< those to go back to, the last one first
     QString keysHere_;
     QString guidePage_;
     QString guideFile_;

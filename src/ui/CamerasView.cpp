@@ -61,6 +61,7 @@ CamerasView::CamerasView(rig::RigModel& rig, QObject* parent) : QAbstractListMod
     observe(this, rig.modes().changed(), refreshed);
     observe(this, rig.library().changed(), refreshed);
     observe(this, rig.testShots().changed(), refreshed);
+    observe(this, rig.gapProfiler().gapProfileRunning().changed(), [this](bool) { refresh(); });
     observe(this, rig.detector().detecting().changed(), [this](bool) { Q_EMIT changed(); });
     observe(this, rig.detector().step().changed(), [this](const auto&) { Q_EMIT changed(); });
     observe(this, rig.reconnect().showDisconnectAlarm().changed(), [this](bool) { Q_EMIT alarmChanged(); });
@@ -139,7 +140,9 @@ CamerasView::Row CamerasView::bodyRow(const rig::CameraRoster::Camera& camera) c
     const auto last = rig_.outcomes().lastFire().find(id);
     const std::string lastFire = last == rig_.outcomes().lastFire().end() ? "" : last->second;
     const bool testing = rig_.testShots().firing(id);
-    if (testing)
+    if (rig_.inUse().has(id, rig::BodiesInUse::Task::measuring))
+        row.lastFrame = QStringLiteral("its timing is being measured");
+    else if (testing)
         row.lastFrame = QStringLiteral("test: ") + qt(lastFire);
     else if (const auto line = lastLines_.find(label); line != lastLines_.end())
         row.lastFrame = line->second;

@@ -113,6 +113,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
 
     Menu(commands, "File")
         .add("newScriptCmd", "New Script", "Ctrl+N", script("newScript"))
+        .add("scriptWizard", "Script Wizard…", "Ctrl+K", sheet("Wizard"))
         .add("openScriptCmd", "Open Script…", "Ctrl+O", script("open"))
         .add("saveScriptCmd", "Save Script…", "Ctrl+S", script("save"))
         .add("script", "Script…", "Ctrl+E", sheet("Script"))
@@ -158,9 +159,11 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("testShot", "Test Shot…", "Ctrl+T", sheet("TestShot"))
         .add("library", "My Cameras…", "Ctrl+B", sheet("Library"));
 
-    Menu(commands, "Tools").add("revealRunLogs", "Reveal Run Logs", "", [runLogs] {
-        QDesktopServices::openUrl(QUrl::fromLocalFile(runLogs));
-    });
+    Menu(commands, "Tools")
+        .add("gapProfiler", "Camera Gap Profiler…", "Ctrl+G", sheet("GapProfiler"))
+        .add("cameraProfiler", "Camera Profiler…", "Ctrl+R", sheet("CameraProfiler"))
+        .add("revealRunLogs", "Reveal Run Logs", "",
+             [runLogs] { QDesktopServices::openUrl(QUrl::fromLocalFile(runLogs)); });
 
     Menu(commands, "Window")
         .add("openMenu", "Menu", "F10", [&app] { Q_EMIT app.menuWanted(); })
@@ -176,7 +179,9 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("openGuide", "Zenka Guide", "", guide("Zenka Guide", "guide.md"))
         .add("openScriptGuide", "Script Language Guide", "",
              guide("Script Language Guide", "script-language.md"))
+        .add("openWizardGuide", "Script Wizard", "", guide("Script Wizard", "script-wizard.md"))
         .add("openCameras", "Cameras", "", guide("Cameras", "cameras.md"))
+        .add("openCameraTiming", "Camera Timing", "", guide("Camera Timing", "camera-timing.md"))
         .add("openFeatures", "Features & Roadmap", "", guide("Features & Roadmap", "roadmap.md"))
         .add("showKeys", "Keys", "F1", [&app, window] { app.openKeys(keysOf(window()->activeFocusItem())); });
 }

@@ -21,7 +21,7 @@ struct Mark {
 
 /// The first words or signs of the lines of the rig. Signs that fonts draw as coloured pictures have a plain
 /// shape here: at night no other colour than red may be on the screen.
-constexpr std::array<Mark, 18> marks{{{"⚠️ DROPPED", "▲", "dropped"},
+constexpr std::array<Mark, 19> marks{{{"⚠️ DROPPED", "▲", "dropped"},
                                       {"⏭ SKIPPED", "»", "skipped"},
                                       {"⏭", "»", "skipped"},
                                       {"⚠️", "⚠", "warning"},
@@ -38,6 +38,7 @@ constexpr std::array<Mark, 18> marks{{{"⚠️ DROPPED", "▲", "dropped"},
                                       {"🛑", "■", "warning"},
                                       {"✅", "✓", "good"},
                                       {"🔌", "↻", "run"},
+                                      {"⏱", "◷", "measured"},
                                       {"✓", "✓", "good"}}};
 
 /// Without the signs that fonts have as coloured pictures alone, and without the selectors between a sign's

@@ -326,6 +326,11 @@ void ScriptView::loadExample(const QString& file) {
          false);
 }
 
+void ScriptView::noteWizard(const QString& name) {
+    tell(QStringLiteral("\"%1\" of the Script Wizard. Save it to a file to keep it for good.").arg(name),
+         false);
+}
+
 void ScriptView::bringBackUnsaved() {
     desk_.bringBackUnsavedText();
     tell(QStringLiteral("Your text is back. Save it to a file to keep it for good."), false);

@@ -92,6 +92,8 @@ public:
     Q_INVOKABLE QUrl fileIn(const QUrl& folder, const QString& name, const QString& suffix) const;
     Q_INVOKABLE bool isThere(const QUrl& file) const;
     Q_INVOKABLE void loadExample(const QString& file);
+    /// The wizard's script has taken the place of the one before.
+    void noteWizard(const QString& name);
     Q_INVOKABLE void bringBackUnsaved();
     Q_INVOKABLE void setDefault(bool isDefault);
     /// Holds the script against the sky and the bodies; what is found joins the diagnostics.

@@ -85,6 +85,10 @@ void TimelineView::tick() {
     Q_EMIT playheadMoved();
 }
 
+bool TimelineView::empty() const {
+    return rig_.script().captures().empty();
+}
+
 std::vector<TimelineView::Contact> TimelineView::contacts() const {
     std::vector<Contact> contacts;
     for (const auto& [key, hours] : rig_.site().contactTHours())
@@ -212,7 +216,7 @@ QString TimelineView::markText() const {
         return describeLane(lanes_[*hoveredName_]);
     if (selection_)
         return describe(*selection_);
-    if (rig_.script().captures().empty())
+    if (empty())
         return QStringLiteral("No frames yet. Write a script, open a file, or let the wizard make one.");
     return counted(rig_.script().captures().size(), "frame") +
            QStringLiteral(". Left and right choose one, Enter shows its script line.");

@@ -22,6 +22,7 @@ struct TimelineTick;
 class TimelineView : public QObject {
     Q_OBJECT
     Q_PROPERTY(int laneCount READ laneCount NOTIFY lanesChanged)
+    Q_PROPERTY(bool empty READ empty NOTIFY lanesChanged)
     Q_PROPERTY(QString markText READ markText NOTIFY textChanged)
     Q_PROPERTY(QString keysText READ keysText CONSTANT)
     Q_PROPERTY(bool wholeShown READ wholeShown NOTIFY changed)
@@ -31,6 +32,8 @@ public:
 
     const std::vector<TimelineLane>& lanes() const { return lanes_; }
     int laneCount() const { return static_cast<int>(lanes_.size()); }
+    /// The script has no frame.
+    bool empty() const;
     const TimelineRange& range() const { return range_; }
     const TimelineRange& all() const { return all_; }
     bool wholeShown() const { return range_ == all_; }

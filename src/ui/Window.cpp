@@ -4,6 +4,9 @@
 #include "rig/RigModel.h"
 #include "ui/AppView.h"
 #include "ui/ArmView.h"
+#include "ui/BodyList.h"
+#include "ui/CadenceAlertView.h"
+#include "ui/CameraProfilerView.h"
 #include "ui/CamerasView.h"
 #include "ui/ChipsView.h"
 #include "ui/ClockView.h"
@@ -13,6 +16,7 @@
 #include "ui/CompensationView.h"
 #include "ui/EclipseList.h"
 #include "ui/EditTarget.h"
+#include "ui/GapProfilerView.h"
 #include "ui/LibraryView.h"
 #include "ui/LocationView.h"
 #include "ui/LogView.h"
@@ -26,6 +30,7 @@
 #include "ui/TimelineItem.h"
 #include "ui/TimelineView.h"
 #include "ui/UpdatesView.h"
+#include "ui/WizardView.h"
 #include "ui/WorldMapItem.h"
 
 #include <QDir>
@@ -59,6 +64,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     TimelineItem::registerTypes();
     ScriptView::registerTypes();
     WorldMapItem::registerTypes();
+    WizardView::registerTypes();
 
     QQmlContext& context = *engine_->rootContext();
     context.setContextProperty(QStringLiteral("theme"), theme_);
@@ -75,10 +81,20 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
         app->openSheet(QStringLiteral("Script"));
         Q_EMIT app->scriptLineWanted(lineNo);
     });
-    context.setContextProperty(QStringLiteral("script"), new ScriptView(rig, ports, this));
+    auto* script = new ScriptView(rig, ports, this);
+    context.setContextProperty(QStringLiteral("script"), script);
+    auto* wizard = new WizardView(rig, ports, this);
+    context.setContextProperty(QStringLiteral("wizard"), wizard);
+    connect(wizard, &WizardView::applied, script, &ScriptView::noteWizard);
     context.setContextProperty(QStringLiteral("location"), new LocationView(rig, ports, this));
     context.setContextProperty(QStringLiteral("cameras"), new CamerasView(rig, this));
     context.setContextProperty(QStringLiteral("testShot"), new TestShotView(rig, this));
+    context.setContextProperty(QStringLiteral("bodyList"), new BodyList(rig, this));
+    auto* gapProfiler = new GapProfilerView(rig, this);
+    context.setContextProperty(QStringLiteral("gapProfiler"), gapProfiler);
+    context.setContextProperty(QStringLiteral("cameraProfiler"), new CameraProfilerView(rig, this));
+    context.setContextProperty(QStringLiteral("dropExplainer"),
+                               new CadenceAlertView(rig, *app_, *gapProfiler, this));
     context.setContextProperty(QStringLiteral("library"), new LibraryView(rig, this));
     context.setContextProperty(QStringLiteral("compensation"), new CompensationView(rig, this));
     context.setContextProperty(QStringLiteral("compRules"), new CompRulesView(rig, this));

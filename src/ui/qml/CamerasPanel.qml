@@ -74,6 +74,24 @@ Rectangle {
 
         RowLayout {
             Layout.fillWidth: true
+            visible: gapProfiler.running
+            ZLabel {
+                Layout.fillWidth: true
+                text: "Measuring " + gapProfiler.bodyName + "…"
+                color: theme.accent
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: text
+            }
+            ZButton {
+                objectName: "showProfile"
+                text: "Show"
+                Accessible.name: "Show how the measuring of " + gapProfiler.bodyName + " goes"
+                onClicked: app.openSheet("GapProfiler")
+            }
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
             visible: cameras.undoText !== ""
             ZLabel { text: cameras.undoText; Layout.fillWidth: true; Accessible.role: Accessible.AlertMessage; Accessible.name: text }
             ZButton {

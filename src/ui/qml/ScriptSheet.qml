@@ -147,6 +147,7 @@ SheetFrame {
                 }
             }
             ZButton { objectName: "validateButton"; text: "Validate"; onClicked: script.validate() }
+            ZButton { text: "Wizard…"; Accessible.name: "Script Wizard"; onClicked: app.openPage("Wizard") }
             ZButton { text: "Undo"; enabled: area.canUndo; onClicked: area.undo() }
             ZButton { text: "Redo"; enabled: area.canRedo; onClicked: area.redo() }
             ZButton {
@@ -241,7 +242,7 @@ SheetFrame {
                 anchors { right: parent.right; bottom: parent.bottom; margins: 18 }
                 visible: area.length === 0
                 anchors.left: gutter.right
-                text: "No script. Write a line, open a file, or load an example."
+                text: "No script yet. Write a line, open a file, load an example, or let the wizard make one."
                 color: theme.quiet
             }
         }

@@ -60,6 +60,11 @@ Rectangle {
                 Accessible.name: text
             }
             ZButton {
+                visible: timeline.empty && !panel.low
+                text: "Script Wizard…"
+                onClicked: commands.trigger("scriptWizard")
+            }
+            ZButton {
                 visible: !panel.low
                 text: "−"
                 Accessible.name: "Zoom out"

@@ -116,7 +116,8 @@ Rectangle {
                 Accessible.role: Accessible.StaticText
                 Accessible.name: modelData.words
                 ZTip { visible: over.hovered; text: modelData.words }
-                HoverHandler { id: over }
+                // Not before the chip has its place: it is made in the window's corner.
+                HoverHandler { id: over; enabled: over.parent.x > 0 }
             }
         }
         Text {

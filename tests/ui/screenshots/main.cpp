@@ -1,6 +1,8 @@
 // Renders the window and every sheet in the three themes at full and minimum size into a folder.
-// Usage: screenshots DIR [TEXT-SCALE]
+// Usage: screenshots DIR [TEXT-SCALE [SHEET]]: all sheets, or one.
 
+#include "exposure/ExposureScales.h"
+#include "support/TimedCamera.h"
 #include "support/VirtualRig.h"
 #include "ui/AppView.h"
 #include "ui/Theme.h"
@@ -46,6 +48,57 @@ private:
     ui::Window& window_;
     std::filesystem::path folder_;
 };
+
+/// The profilers at their work and when they are done, and what is said of drops, in every theme and size.
+void shootProfilers(test::VirtualRig& rig, ui::Window& window, Album& album) {
+    const auto body =
+        std::make_shared<test::TimedCamera>(rig.machine.loop, rig.machine.time, [](double since, int number) {
+            return test::TimedCamera::Reply{
+                .afterSec = 0.21, .ok = since > 0.39 && number % 24 != 0, .responded = number % 4 != 0};
+        });
+    for (int i = 0; i < 40; ++i)
+        body->choices.shutter.emplace_back(exposure::standardShutters()[static_cast<std::size_t>(i) + 10]);
+    body->choices.iso = {"Auto", "64", "100", "200", "400", "800", "1600", "3200", "6400", "12800", "25600"};
+    body->choices.aperture = {"f/5.6", "f/6.3", "f/7.1", "f/8", "f/11", "f/16", "f/22", "f/32"};
+    rig.model.roster().add(body);
+    rig.model.roster().setLabelOfSerial(body->serial(), "CAM4");
+    rig::GapProfiler& profiler = rig.model.gapProfiler();
+    const auto finish = [&] {
+        rig.machine.time.runUntil([&] { return !profiler.gapProfileRunning().get(); }, base::Seconds{900});
+    };
+    for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
+        window.quickWindow()->resize(size);
+        for (const char* theme : {"Sunlight", "Dark", "Night"}) {
+            window.theme().choose(QString::fromLatin1(theme));
+            const std::string suffix = "-" + std::string(theme) + "-" + std::to_string(size.width());
+            body->shots.clear();
+            window.app().openSheet(QStringLiteral("GapProfiler"));
+            profiler.setGapProfileMode(rig::GapProfileMode::quickFloor);
+            profiler.runGapProfile(body->id());
+            rig.run(11);
+            album.shoot("GapProfiler-ladder" + suffix);
+            window.app().closeSheet();
+            album.shoot("GapProfiler-away" + suffix);
+            window.app().openSheet(QStringLiteral("GapProfiler"));
+            finish();
+            album.shoot("GapProfiler-verdict" + suffix);
+            body->shots.clear();
+            profiler.setGapProfileMode(rig::GapProfileMode::sustainedBurst);
+            profiler.runGapProfile(body->id());
+            finish();
+            album.shoot("GapProfiler-burst" + suffix);
+            window.app().closeSheet();
+            window.app().openSheet(QStringLiteral("CameraProfiler"));
+            rig.model.cameraProfiler().runCameraProfile(body->id());
+            rig.run(1);
+            album.shoot("CameraProfiler-read" + suffix);
+            window.app().closeSheet();
+            rig.model.cadence().explainDrops({{.label = "CAM4", .ok = 80, .dropped = 40}});
+            album.shoot("DropExplainer-drops" + suffix);
+            window.app().closeSheet();
+        }
+    }
+}
 
 } // namespace
 
@@ -114,6 +167,8 @@ int main(int argc, char** argv) {
             album.shoot("cards" + suffix);
             showTab(0);
             for (const QString& sheet : window.sheets()) {
+                if (argc > 3 && sheet != QLatin1String(argv[3]))
+                    continue;
                 window.app().openSheet(sheet);
                 rig.run(0.001); // what is computed aside arrives
                 album.shoot(sheet.toStdString() + suffix);
@@ -122,4 +177,8 @@ int main(int argc, char** argv) {
             rig.model.roster().setRealCameras({});
         }
     }
+    rig.model.transport().togglePlay(); // in a run nothing is measured
+    const double now = rig.model.transport().clock();
+    rig.load(rig.frameAt(now + 20, "CAM4") + rig.frameAt(now + 20.3, "CAM4"));
+    shootProfilers(rig, window, album);
 }

@@ -1,0 +1,165 @@
+#include "ui/CadenceAlertView.h"
+
+#include "rig/RigModel.h"
+#include "ui/AppView.h"
+#include "ui/GapProfilerView.h"
+#include "ui/Observe.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace zenka::ui {
+
+using rig::CadenceChoice;
+
+namespace {
+
+constexpr QLatin1String sheetName("DropExplainer");
+
+QString qt(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+} // namespace
+
+CadenceAlertView::CadenceAlertView(rig::RigModel& rig, AppView& app, GapProfilerView& gapProfiler,
+                                   QObject* parent)
+    : QObject(parent), rig_(rig), app_(app), gapProfiler_(gapProfiler) {
+    const auto noteName = [this](const std::optional<rig::CadenceAlert>& alert) {
+        if (alert)
+            cameraName_ = alert->cameraName;
+    };
+    observe(this, rig.cadence().tooTightWarning().changed(), noteName);
+    observe(this, rig.cadence().dropExplainer().changed(), [this, noteName](const auto& alert) {
+        noteName(alert);
+        Q_EMIT changed();
+        soon();
+    });
+    observe(this, rig.transport().activityChanged(), [this] { soon(); });
+    observe(this, rig.cadence().chosen(), [this](CadenceChoice choice) {
+        if (choice == CadenceChoice::measure) {
+            if (const auto camera = body())
+                gapProfiler_.choose(qt(camera->id()));
+            app_.openSheet(QStringLiteral("GapProfiler"));
+        } else if (choice == CadenceChoice::editScript) {
+            const int line = tightestLine();
+            app_.openSheet(QStringLiteral("Script"));
+            if (line > 0)
+                Q_EMIT app_.scriptLineWanted(line);
+        }
+    });
+    connect(&app_, &AppView::sheetChanged, this, &CadenceAlertView::sheetChanged);
+}
+
+/// Not in the middle of a tick: a sheet takes its time to be made.
+void CadenceAlertView::soon() {
+    QMetaObject::invokeMethod(
+        this, [this] { look(); }, Qt::QueuedConnection);
+}
+
+void CadenceAlertView::look() {
+    if (rig_.transport().runActive()) {
+        if (open_)
+            app_.openSheet({}); // a run is to be seen
+        return;
+    }
+    if (rig_.cadence().dropExplainer().get() && app_.sheet().isEmpty())
+        app_.openSheet(sheetName);
+}
+
+void CadenceAlertView::sheetChanged() {
+    const QString sheet = app_.sheet();
+    if (sheet == sheetName) {
+        open_ = true;
+        return;
+    }
+    if (sheet == QLatin1String("Keys") || sheet == QLatin1String("Guide"))
+        return; // leads back
+    if (std::exchange(open_, false))
+        rig_.cadence().resolveDropExplainer(CadenceChoice::close);
+    soon();
+}
+
+std::shared_ptr<cameras::CameraControl> CadenceAlertView::body() const {
+    const auto& cameras = rig_.roster().cameras();
+    const auto found = std::ranges::find(cameras, cameraName_,
+                                         [this](const auto& each) { return rig_.roster().labelFor(*each); });
+    return found == cameras.end() ? nullptr : *found;
+}
+
+/// The line of the second one of the two frames that are closest together; 0 for none.
+int CadenceAlertView::tightestLine() const {
+    const auto camera = body();
+    if (!camera)
+        return 0;
+    std::vector<std::pair<double, int>> frames;
+    for (const auto& [token, captures] : rig_.script().capturesByToken()) {
+        if (!rig_.roster().cameraMatches(*camera, token))
+            continue;
+        for (const auto& capture : captures)
+            frames.emplace_back(capture.offsetSec, capture.lineNo);
+    }
+    std::ranges::sort(frames);
+    int line = 0;
+    double tightest = 0;
+    for (std::size_t i = 1; i < frames.size(); ++i) {
+        const double gap = frames[i].first - frames[i - 1].first;
+        if (gap > 0 && (line == 0 || gap < tightest)) {
+            tightest = gap;
+            line = frames[i].second;
+        }
+    }
+    return line;
+}
+
+QString CadenceAlertView::headline() const {
+    const auto& alert = rig_.cadence().dropExplainer().get();
+    if (!alert)
+        return QStringLiteral("The last run left no drops to explain.");
+    return QStringLiteral("▲ %1 dropped %2 of %3 frames.")
+        .arg(qt(alert->cameraName))
+        .arg(alert->dropped)
+        .arg(alert->frames);
+}
+
+QString CadenceAlertView::reason() const {
+    const auto& alert = rig_.cadence().dropExplainer().get();
+    if (!alert)
+        return {};
+    return QStringLiteral(
+               "The script asked it for frames as close as %1, and it needs %2 from one to the next. "
+               "About %3 % of frames so close drop.")
+        .arg(qt(rig::fmtSecs(alert->scriptGapSec)), qt(rig::fmtSecs(alert->bodyFloorSec)))
+        .arg(alert->pct);
+}
+
+QString CadenceAlertView::basis() const {
+    const auto& alert = rig_.cadence().dropExplainer().get();
+    if (!alert)
+        return {};
+    const auto camera = body();
+    const bool measured = camera ? rig_.cadence().measured(*camera) : !alert->estimated;
+    return measured
+               ? QStringLiteral("That was measured. Give its frames more room in the script, or measure it "
+                                "anew if cable, card or settings have changed.")
+               : QStringLiteral("That is what bodies on such a link usually need: this one was never "
+                                "measured. Measure it to know, or give its frames more room in the script.");
+}
+
+QString CadenceAlertView::asymmetry() const {
+    const auto& summary = rig_.logbook().pendingSurvey().get();
+    if (!rig_.cadence().dropExplainer().get() || !summary)
+        return {};
+    return qt(summary->asymmetry.value_or(std::string()));
+}
+
+void CadenceAlertView::editScript() {
+    rig_.cadence().resolveDropExplainer(CadenceChoice::editScript);
+}
+
+void CadenceAlertView::measure() {
+    rig_.cadence().resolveDropExplainer(CadenceChoice::measure);
+}
+
+} // namespace zenka::ui
