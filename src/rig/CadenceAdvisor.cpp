@@ -62,21 +62,31 @@ std::string CadenceAdvisor::floorLabel(const cameras::CameraControl& camera) con
     return absl::StrFormat("%.0fms %s", bodyFloorSec(camera) * 1000, measured(camera) ? "measured" : "floor");
 }
 
-std::optional<double> CadenceAdvisor::tightestGap(const cameras::CameraControl& camera) const {
-    std::vector<double> offsets;
+std::optional<CadenceAdvisor::Pair> CadenceAdvisor::tightestPair(const cameras::CameraControl& camera) const {
+    struct Frame {
+        double offsetSec;
+        int lineNo;
+    };
+    std::vector<Frame> frames;
     for (const auto& [token, captures] : script_.capturesByToken()) {
         if (!roster_.cameraMatches(camera, token))
             continue;
-        std::ranges::transform(captures, std::back_inserter(offsets), &script::Capture::offsetSec);
+        for (const script::Capture& capture : captures)
+            frames.push_back({capture.offsetSec, capture.lineNo});
     }
-    std::ranges::sort(offsets);
-    std::optional<double> tightest;
-    for (std::size_t i = 1; i < offsets.size(); ++i) {
-        const double gap = offsets[i] - offsets[i - 1];
-        if (gap > 0 && (!tightest || gap < *tightest))
-            tightest = gap;
+    std::ranges::stable_sort(frames, {}, &Frame::offsetSec);
+    std::optional<Pair> tightest;
+    for (std::size_t i = 1; i < frames.size(); ++i) {
+        const double gap = frames[i].offsetSec - frames[i - 1].offsetSec;
+        if (gap > 0 && (!tightest || gap < tightest->gapSec))
+            tightest = {.gapSec = gap, .lineNo = frames[i].lineNo};
     }
     return tightest;
+}
+
+std::optional<double> CadenceAdvisor::tightestGap(const cameras::CameraControl& camera) const {
+    const auto pair = tightestPair(camera);
+    return pair ? std::optional(pair->gapSec) : std::nullopt;
 }
 
 double CadenceAdvisor::suggestedMinSpacingSec() const {

@@ -52,7 +52,14 @@ public:
     /// Something was measured of bodies of this model.
     bool measured(const cameras::CameraControl& camera) const;
 
-    /// The smallest spacing of the script's frames on a body; nothing for fewer than two.
+    /// Two frames of the script on one body.
+    struct Pair {
+        double gapSec = 0;
+        int lineNo = 0; ///< of the second
+    };
+    /// Those that are closest together, but not at one instant; nothing for fewer than two.
+    std::optional<Pair> tightestPair(const cameras::CameraControl& camera) const;
+    /// The spacing of those.
     std::optional<double> tightestGap(const cameras::CameraControl& camera) const;
 
     /// The spacing for frames that change a setting that suits all bodies which are connected.

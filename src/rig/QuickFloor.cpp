@@ -7,7 +7,6 @@ namespace zenka::rig {
 
 namespace {
 
-constexpr int framesPerRung = 6;
 constexpr double patienceSec = 8;
 /// Between two rungs, so that what one has left behind is not held against the next.
 constexpr double restSec = 1;

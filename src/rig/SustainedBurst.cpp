@@ -9,8 +9,6 @@ namespace zenka::rig {
 
 namespace {
 
-constexpr int shortFrames = 40;
-constexpr int longFrames = 20;
 constexpr int missesThatEnd = 3;
 constexpr double usualFloorSec = 0.5; ///< of a body that was not measured
 

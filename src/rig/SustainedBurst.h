@@ -19,6 +19,10 @@ public:
 
     explicit SustainedBurst(const ports::Ports& ports) : series_(ports) {}
 
+    /// How many frames a burst has, of long and of short ones.
+    static constexpr int longFrames = 20;
+    static constexpr int shortFrames = 40;
+
     /// The cadence that a burst is fired at.
     static double targetCadence(const Wish& wish);
 

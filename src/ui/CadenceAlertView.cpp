@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 namespace zenka::ui {
 
@@ -43,10 +42,10 @@ CadenceAlertView::CadenceAlertView(rig::RigModel& rig, AppView& app, GapProfiler
                 gapProfiler_.choose(qt(camera->id()));
             app_.openSheet(QStringLiteral("GapProfiler"));
         } else if (choice == CadenceChoice::editScript) {
-            const int line = tightestLine();
             app_.openSheet(QStringLiteral("Script"));
-            if (line > 0)
-                Q_EMIT app_.scriptLineWanted(line);
+            const auto camera = body();
+            if (const auto pair = camera ? rig_.cadence().tightestPair(*camera) : std::nullopt)
+                Q_EMIT app_.scriptLineWanted(pair->lineNo);
         }
     });
     connect(&app_, &AppView::sheetChanged, this, &CadenceAlertView::sheetChanged);
@@ -86,31 +85,6 @@ std::shared_ptr<cameras::CameraControl> CadenceAlertView::body() const {
     const auto found = std::ranges::find(cameras, cameraName_,
                                          [this](const auto& each) { return rig_.roster().labelFor(*each); });
     return found == cameras.end() ? nullptr : *found;
-}
-
-/// The line of the second one of the two frames that are closest together; 0 for none.
-int CadenceAlertView::tightestLine() const {
-    const auto camera = body();
-    if (!camera)
-        return 0;
-    std::vector<std::pair<double, int>> frames;
-    for (const auto& [token, captures] : rig_.script().capturesByToken()) {
-        if (!rig_.roster().cameraMatches(*camera, token))
-            continue;
-        for (const auto& capture : captures)
-            frames.emplace_back(capture.offsetSec, capture.lineNo);
-    }
-    std::ranges::sort(frames);
-    int line = 0;
-    double tightest = 0;
-    for (std::size_t i = 1; i < frames.size(); ++i) {
-        const double gap = frames[i].first - frames[i - 1].first;
-        if (gap > 0 && (line == 0 || gap < tightest)) {
-            tightest = gap;
-            line = frames[i].second;
-        }
-    }
-    return line;
 }
 
 QString CadenceAlertView::headline() const {

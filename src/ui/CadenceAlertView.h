@@ -50,7 +50,6 @@ Q_SIGNALS:
 
 private:
     std::shared_ptr<cameras::CameraControl> body() const;
-    int tightestLine() const;
     void soon();
     void look();
     void sheetChanged();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rig/GapProfile.h"
+#include "rig/QuickFloor.h"
 #include "ui/RowList.h"
 
 #include <QString>
@@ -54,7 +55,7 @@ public:
     using RowList::RowList;
 
     /// Frames that a rung has.
-    static constexpr int framesPerRung = 6;
+    static constexpr int framesPerRung = rig::QuickFloor::framesPerRung;
     /// The most that a whole profile fires.
     static int mostFrames();
 

@@ -254,7 +254,8 @@ QString GapProfilerView::plan() const {
     const QString name = qt(rig_.roster().labelFor(*camera));
     QString frames;
     if (burst()) {
-        const int count = rig_.gapProfiler().gapBurstShutter().get() > 0 ? 20 : 40;
+        const int count = rig_.gapProfiler().gapBurstShutter().get() > 0 ? rig::SustainedBurst::longFrames
+                                                                         : rig::SustainedBurst::shortFrames;
         frames = QStringLiteral("%1 frames, %2: %3 at least")
                      .arg(count)
                      .arg(everyText(planned()), secondsText(std::ceil(count * planned())));

@@ -170,7 +170,7 @@ void addPartials(Table& table) {
         .when(wantsPartials)
         .check("sunBaseline", &C::sunBaseline, "Frames of the whole Sun before C1 and after C4")
         .when(wantsPartials)
-        .row("So long before")
+        .row("Lead")
         .number("sunBaselineLeadSec", &C::sunBaselineLeadSec, "Sun baseline lead", 10)
         .unit("s")
         .when([](const C& c) { return wantsPartials(c) && c.sunBaseline; });
@@ -301,7 +301,7 @@ void addCues(Table& table) {
         .check("wideFilterCue", &C::wideFilterCue, "Remind of the wide-angle filters")
         .ofScript()
         .ofTotality()
-        .row("So long before C2")
+        .row("Lead before C2")
         .whole("wideFilterLeadSec", &C::wideFilterLeadSec, "Lead of the wide-angle reminder")
         .unit("s")
         .ofScript()

@@ -142,34 +142,7 @@ TimelineRange rangeOf(const WizardPreview& preview, const WizardSite& site) {
 
 void take(std::vector<WizardRemark>& remarks, const std::vector<script::ScriptDiag>& diagnostics) {
     for (const script::ScriptDiag& diagnostic : diagnostics)
-        addRemark(remarks, {.kind = diagnostic.severity == "error" ? WizardRemark::Kind::error
-                                                                   : WizardRemark::Kind::warning,
-                            .text = diagnostic.message});
-}
-
-/// What will go wrong at the eclipse. The frames of one line come to the same again and again: the first
-/// stands for all of a camera's, and no more are told than one reads.
-std::vector<script::ScriptDiag> issuesOf(const WizardRequest& request, const std::vector<Capture>& captures) {
-    constexpr std::size_t most = 60;
-    const WizardSite& site = request.site;
-    const auto issues = rig::computeIssues({.eclipse = site.eclipse,
-                                            .observer = site.observer,
-                                            .contactTHours = site.contactTHours,
-                                            .siteLabel = site.label,
-                                            .bodies = request.bodies},
-                                           captures, script::capturesByToken(captures));
-    std::vector<script::ScriptDiag> told;
-    std::set<std::pair<int, std::string>> known; // line, severity and camera
-    for (const script::ScriptDiag& issue : issues)
-        if (known.emplace(issue.lineNo, issue.severity + issue.message.substr(0, issue.message.find(':')))
-                .second)
-            told.push_back(issue);
-    if (told.size() > most) {
-        const std::size_t more = told.size() - most;
-        told.resize(most);
-        told.push_back({0, "warning", absl::StrFormat("And %d more. Validate lists them in Script.", more)});
-    }
-    return told;
+        addRemark(remarks, {.kind = kindOf(diagnostic), .text = diagnostic.message});
 }
 
 void collectRemarks(WizardPreview& preview, const WizardRequest& request,
@@ -178,7 +151,15 @@ void collectRemarks(WizardPreview& preview, const WizardRequest& request,
     if (std::string reason = emptinessReason(request, preview.frames); !reason.empty())
         addRemark(all, {.kind = WizardRemark::Kind::error, .text = std::move(reason)});
     take(all, compiled.diagnostics);
-    take(all, issuesOf(request, compiled.captures));
+    const WizardSite& site = request.site;
+    std::ranges::move(
+        issueRemarks(rig::computeIssues({.eclipse = site.eclipse,
+                                         .observer = site.observer,
+                                         .contactTHours = site.contactTHours,
+                                         .siteLabel = site.label,
+                                         .bodies = request.bodies},
+                                        compiled.captures, script::capturesByToken(compiled.captures))),
+        std::back_inserter(all));
     for (WizardRemark& remark : scriptRemarks(preview.text, preview.cameras.size()))
         addRemark(all, std::move(remark));
     std::ranges::stable_sort(all, {}, &WizardRemark::kind);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 
 namespace zenka::ui {
 
@@ -23,6 +24,18 @@ constexpr std::string_view cameraHeading = "# ───────── CAMERA
 std::string cameraOf(std::string_view heading) {
     heading.remove_prefix(cameraHeading.size());
     return std::string(base::trimmed(heading.substr(0, heading.rfind(' '))));
+}
+
+/// An issue of a pair of frames without their times: its camera and its reason.
+std::string withoutMoments(const std::string& issue) {
+    const auto at = std::min(issue.find(": only "), issue.find(" starts "));
+    if (at == issue.npos)
+        return issue;
+    const std::string camera = issue.substr(0, issue.find(": "));
+    const std::string reason = issue.substr(at);
+    // "only 1.0 s between A and B (the 1.3 s drop floor); ..."
+    return camera + reason.substr(std::min({reason.find(" ("), reason.find(": tighter"), reason.find(", but"),
+                                            reason.find(". If"), reason.size()}));
 }
 
 bool wantsPartials(const WizardChoices& c) {
@@ -85,6 +98,23 @@ std::vector<WizardRemark> scriptRemarks(std::string_view text, std::size_t camer
         remarks.push_back(
             {.kind = merelyTells(comment.text) ? WizardRemark::Kind::note : WizardRemark::Kind::warning,
              .text = names.empty() ? comment.text : names + ": " + comment.text});
+    }
+    return remarks;
+}
+
+WizardRemark::Kind kindOf(const script::ScriptDiag& diagnostic) {
+    return diagnostic.severity == "error" ? WizardRemark::Kind::error : WizardRemark::Kind::warning;
+}
+
+std::vector<WizardRemark> issueRemarks(const std::vector<script::ScriptDiag>& issues) {
+    std::vector<WizardRemark> remarks;
+    std::map<std::string, std::size_t> known; // by camera and reason
+    for (const script::ScriptDiag& issue : issues) {
+        const auto [place, isNew] = known.try_emplace(withoutMoments(issue.message), remarks.size());
+        if (isNew)
+            remarks.push_back({.kind = kindOf(issue), .text = issue.message});
+        else
+            ++remarks[place->second].times;
     }
     return remarks;
 }

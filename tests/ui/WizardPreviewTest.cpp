@@ -110,7 +110,7 @@ TEST_F(WizardPreviewOf, issuesOfTheCapturesJoinTheRemarksWithErrorsFirst) {
     plan().partialIntervalSec = 1;
     EXPECT_TRUE(tight());
     WizardPreview preview = wizardPreview(request);
-    EXPECT_LT(preview.remarks.size(), 80U) << "the thousands of a line are one";
+    EXPECT_LT(preview.remarks.size(), 30U) << "what many pairs come to is one";
     EXPECT_TRUE(std::ranges::is_sorted(preview.remarks, {}, &WizardRemark::kind));
 }
 
