@@ -29,7 +29,6 @@
 #include "rig/SleepGuard.h"
 #include "rig/TestShots.h"
 #include "rig/Transport.h"
-#include "rig/WizardDesk.h"
 
 #include <string>
 
@@ -85,7 +84,6 @@ public:
     Announcer& announcer() { return announcer_; }
     RenderPace& renderPace() { return renderPace_; }
     FireClock& fireClock() { return fireClock_; }
-    WizardDesk& wizard() { return wizard_; }
 
 private:
     void connectCameras();
@@ -123,7 +121,6 @@ private:
     Announcer announcer_;
     RenderPace renderPace_;
     FireClock fireClock_;
-    WizardDesk wizard_{log_, script_, transport_};
 };
 
 } // namespace zenka::rig

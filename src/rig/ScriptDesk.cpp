@@ -235,12 +235,13 @@ void ScriptDesk::loadExample(std::string text, std::string name) {
     compile();
 }
 
-void ScriptDesk::loadFrom(std::string text, std::string name, const std::string& path) {
+void ScriptDesk::applyWizardScript(std::string text, const std::string& name, const std::string& savedPath) {
     const auto saved = Fingerprint::of(text);
-    replace(std::move(text), {.name = std::move(name), .file = path, .saved = saved});
-    if (!path.empty())
-        files_.noteRecent(path);
+    replace(std::move(text), {.name = name, .file = savedPath, .saved = saved});
+    if (!savedPath.empty())
+        files_.noteRecent(savedPath);
     compile();
+    log_.pushLog("Loaded “" + name + "” from the Script Wizard — press play to simulate.");
 }
 
 std::string ScriptDesk::defaultScript() const {

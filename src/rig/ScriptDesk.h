@@ -85,8 +85,8 @@ public:
     void newScript();
     /// A script that belongs to no file, compiled.
     void loadExample(std::string text, std::string name);
-    /// A script that stands in a file already, compiled; an empty path for one that is in none.
-    void loadFrom(std::string text, std::string name, const std::string& path);
+    /// The script wizard's script, compiled. savedPath is the file that it was written to, empty for none.
+    void applyWizardScript(std::string text, const std::string& name, const std::string& savedPath = {});
 
     /// The file that each start begins with; an empty path for none.
     std::string defaultScript() const;

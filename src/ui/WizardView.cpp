@@ -433,11 +433,11 @@ void WizardView::makePreview() {
     });
 }
 
-QString WizardView::refusal() const {
-    return qt(rig_.wizard().refusal());
-}
-
-QString WizardView::unsavedText() const {
+QString WizardView::caution() const {
+    if (rig_.transport().live())
+        return QStringLiteral(
+            "A live run is on. Apply puts this script in the place of the one that is being "
+            "fired.");
     const rig::ScriptDesk& desk = rig_.script();
     if (!desk.edited().get() || base::trimmed(desk.scriptText().get()).empty())
         return {};
@@ -512,15 +512,13 @@ QString WizardView::coronaText() const {
     return WizardWords::coronaText(judged());
 }
 
-bool WizardView::apply() {
+void WizardView::apply() {
+    if (answers_.chosen.empty())
+        return;
     const QString name = QStringLiteral("Wizard %1").arg(qt(rig_.site().eclipseId()));
     site_ = wizardSite(rig_.site());
-    if (!rig_.wizard().applyWizardScript(wizardScript(request()), name.toStdString())) {
-        Q_EMIT changed();
-        return false;
-    }
+    rig_.script().applyWizardScript(wizardScript(request()), name.toStdString());
     Q_EMIT applied(name);
-    return true;
 }
 
 } // namespace zenka::ui

@@ -38,8 +38,7 @@ class WizardView : public QObject {
     Q_PROPERTY(bool perCamera READ perCamera WRITE setPerCamera NOTIFY changed)
     Q_PROPERTY(QString current READ current WRITE setCurrent NOTIFY changed)
     Q_PROPERTY(QString undoText READ undoText NOTIFY changed)
-    Q_PROPERTY(QString refusal READ refusal NOTIFY changed)
-    Q_PROPERTY(QString unsavedText READ unsavedText NOTIFY changed)
+    Q_PROPERTY(QString caution READ caution NOTIFY changed)
 
     Q_PROPERTY(QString siteText READ siteText NOTIFY previewChanged)
     Q_PROPERTY(QString summary READ summary NOTIFY previewChanged)
@@ -75,10 +74,8 @@ public:
     void setCurrent(const QString& camera);
     /// What undo() would take back, empty for nothing.
     QString undoText() const { return undoText_; }
-    /// Why nothing can be applied now.
-    QString refusal() const;
-    /// What becomes of the text in the editor that is in no file; empty where there is none.
-    QString unsavedText() const;
+    /// What becomes of the script that stands when this one takes its place; empty where nothing is lost.
+    QString caution() const;
 
     /// The eclipse and its totality at the site.
     QString siteText() const;
@@ -132,7 +129,7 @@ public:
     Q_INVOKABLE void takeShutter(const QString& key, const QString& shutter);
 
     /// Puts the script into the editor.
-    Q_INVOKABLE bool apply();
+    Q_INVOKABLE void apply();
 
 Q_SIGNALS:
     void changed();

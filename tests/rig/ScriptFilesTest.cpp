@@ -185,3 +185,16 @@ TEST_F(ScriptFiles, aReplacedTextThatNoFileHasCanBeBroughtBack) {
     EXPECT_EQ(desk.scriptText().get(), "# typed");
     EXPECT_EQ(desk.unsavedText(), "# typed too") << "the two change places";
 }
+
+TEST_F(ScriptFiles, theWizardsScriptIsCompiledAndBelongsToTheFileThatItWasWrittenTo) {
+    desk.setScriptText("# mine");
+    desk.applyWizardScript(rig.frameAt(10), "Mine");
+    EXPECT_EQ(desk.captures().size(), 1U);
+    EXPECT_EQ(desk.scriptFile().get(), "");
+    EXPECT_EQ(desk.unsavedText(), "# mine");
+    EXPECT_TRUE(rig.logged("Loaded “Mine” from the Script Wizard — press play to simulate."));
+    desk.applyWizardScript("# a", "a.zenka", path);
+    EXPECT_EQ(desk.scriptFile().get(), path);
+    EXPECT_FALSE(desk.edited().get());
+    EXPECT_EQ(desk.recentScripts().front(), path);
+}

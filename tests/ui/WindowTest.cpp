@@ -277,6 +277,8 @@ TEST_F(Window, keysAndGuidesTellOfThePlaceAndLeadBackToIt) {
     window->commands().trigger(QStringLiteral("openGuide"));
     window.settle();
     EXPECT_EQ(window->app().sheet(), QStringLiteral("Guide"));
+    window.key(Qt::Key_F1);
+    EXPECT_EQ(window->app().sheet(), QStringLiteral("Keys")) << "a text that is read does not keep the key";
     window.key(Qt::Key_Escape);
     EXPECT_EQ(window->app().sheet(), QStringLiteral("Script"));
     window.key(Qt::Key_Escape);

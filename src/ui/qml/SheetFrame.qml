@@ -14,6 +14,11 @@ FocusScope {
 
     // Reads on in a text or list that has the keyboard.
     function scrollByKey(flickable, event) {
+        if (event.key === Qt.Key_F1) { // a text that is only read keeps it from the menu's shortcut
+            commands.trigger("showKeys")
+            event.accepted = true
+            return
+        }
         const steps = {[Qt.Key_Down]: 48, [Qt.Key_Up]: -48,
                        [Qt.Key_PageDown]: flickable.height * 0.9, [Qt.Key_PageUp]: -flickable.height * 0.9,
                        [Qt.Key_Home]: -flickable.contentHeight, [Qt.Key_End]: flickable.contentHeight}

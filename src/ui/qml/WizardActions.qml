@@ -11,8 +11,8 @@ ColumnLayout {
     ZLabel {
         Layout.fillWidth: true
         visible: text !== ""
-        text: wizard.refusal !== "" ? "✖ " + wizard.refusal : wizard.unsavedText === "" ? "" : "▲ " + wizard.unsavedText
-        color: wizard.refusal !== "" ? theme.bad : theme.warning
+        text: wizard.caution === "" ? "" : "▲ " + wizard.caution
+        color: theme.warning
         font.pixelSize: theme.small
         Accessible.role: Accessible.AlertMessage
         Accessible.name: text
@@ -33,7 +33,7 @@ ColumnLayout {
             objectName: "wizardApply"
             text: "Apply"
             strong: true
-            enabled: wizard.refusal === "" && wizard.chosen.length > 0
+            enabled: wizard.chosen.length > 0
             onClicked: root.applyWanted()
             Accessible.name: "Apply: put the script into the editor"
         }

@@ -18,8 +18,10 @@ SheetFrame {
     Component.onDestruction: wizard.close()
 
     function apply() {
-        if (wizard.refusal === "" && wizard.chosen.length > 0 && wizard.apply())
-            app.closeSheet()
+        if (wizard.chosen.length === 0)
+            return
+        wizard.apply()
+        app.closeSheet()
     }
     // The section that has the keyboard, the cameras being the first.
     function jump(by) {

@@ -43,12 +43,7 @@ SheetFrame {
                     background: null
                     Accessible.name: "Text of the wizard's script"
                     Keys.priority: Keys.BeforeItem
-                    // A text that is only read keeps the key of the list of keys from the menu's shortcut.
-                    Keys.onPressed: (event) => {
-                        sheet.scrollByKey(scroller.contentItem, event)
-                        if (event.key === Qt.Key_F1)
-                            commands.trigger("showKeys")
-                    }
+                    Keys.onPressed: (event) => sheet.scrollByKey(scroller.contentItem, event)
                     Keys.onTabPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
                     Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
                 }
