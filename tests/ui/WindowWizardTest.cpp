@@ -217,3 +217,16 @@ TEST_F(WindowWizard, theEmptyTimelineLeadsToTheWizard) {
     window.click(window.button("Script Wizard…"));
     EXPECT_EQ(window->app().sheet(), QStringLiteral("Wizard"));
 }
+
+TEST_F(WindowWizard, ctrlEnterAppliesFromABoxAndFromAButtonToo) {
+    for (const int tabs : {0, 3}) {
+        openWizard();
+        for (int i = 0; i < tabs; ++i)
+            window.key(Qt::Key_Tab);
+        EXPECT_TRUE(window.focused()->inherits(tabs ? "QQuickButton" : "QQuickCheckBox"));
+        window.key(Qt::Key_Return, Qt::ControlModifier);
+        EXPECT_EQ(window->app().sheet(), QString()) << tabs;
+        EXPECT_GT(rig.model.script().captures().size(), 100U);
+        rig.load("# another\n");
+    }
+}

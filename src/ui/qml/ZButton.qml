@@ -12,9 +12,14 @@ Button {
     font.weight: strong ? Font.Bold : theme.weight
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
-    // A key that is held down acts once.
-    Keys.onReturnPressed: (event) => { if (enabled && !event.isAutoRepeat) clicked() }
-    Keys.onEnterPressed: (event) => { if (enabled && !event.isAutoRepeat) clicked() }
+    // A key that is held down acts once; with Ctrl it belongs to the sheet.
+    function press(event) {
+        event.accepted = !(event.modifiers & Qt.ControlModifier)
+        if (event.accepted && enabled && !event.isAutoRepeat)
+            clicked()
+    }
+    Keys.onReturnPressed: (event) => press(event)
+    Keys.onEnterPressed: (event) => press(event)
     contentItem: Text {
         text: control.text
         font: control.font

@@ -10,7 +10,14 @@ CheckBox {
     font.pixelSize: theme.normal
     font.weight: theme.weight
     focusPolicy: Qt.StrongFocus
-    Keys.onReturnPressed: { toggle(); toggled() }
+    // With Ctrl the key belongs to the sheet.
+    Keys.onReturnPressed: (event) => {
+        event.accepted = !(event.modifiers & Qt.ControlModifier)
+        if (event.accepted) {
+            toggle()
+            toggled()
+        }
+    }
     Accessible.name: text
     indicator: null
     contentItem: Text {
