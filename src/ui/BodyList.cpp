@@ -2,16 +2,13 @@
 
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 
 #include <utility>
 
 namespace zenka::ui {
 
 namespace {
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 QString faultOf(rig::RigModel& rig, const cameras::CameraControl& camera) {
     if (!camera.connected() || rig.roster().isDisconnected(camera.id()))

@@ -4,6 +4,7 @@
 #include "ui/AppView.h"
 #include "ui/GapProfilerView.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,10 +16,6 @@ using rig::CadenceChoice;
 namespace {
 
 constexpr QLatin1String sheetName("DropExplainer");
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 } // namespace
 

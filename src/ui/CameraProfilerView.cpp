@@ -3,7 +3,9 @@
 #include "base/Text.h"
 #include "exposure/ExposureScales.h"
 #include "rig/RigModel.h"
+#include "ui/ExposureFields.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 
 #include <QVariantMap>
 
@@ -15,24 +17,15 @@ namespace zenka::ui {
 
 namespace {
 
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 /// A value of a body's list as a number; nothing for words.
 using Read = std::function<std::optional<double>(const std::string& text)>;
 
 std::optional<double> readAperture(const std::string& text) {
-    std::string number = base::lowered(base::trimmed(text));
-    for (const char* before : {"f", "/"}) {
-        if (number.starts_with(before))
-            number.erase(0, 1);
-    }
-    return base::readNumber(base::trimmed(base::replacedAll(number, ",", ".")));
+    return base::readNumber(ExposureFields::bareAperture(text));
 }
 
 std::optional<double> readPlain(const std::string& text) {
-    return base::readNumber(base::trimmed(base::replacedAll(text, ",", ".")));
+    return base::readNumber(ExposureFields::bare(text, "", ""));
 }
 
 /// "55 values, 1/8000 to 30": the least and the greatest in the body's own words.

@@ -4,6 +4,7 @@
 #include "cameras/CameraCatalog.h"
 #include "ui/LogView.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 
 #include <QVariantMap>
 
@@ -28,10 +29,6 @@ constexpr std::array<FrameLine, 4> aboutAFrame{{{"● ", ""},
                                                 {"⚠️ TEST FAILED  ", "test failed: "}}};
 
 constexpr int longestLens = 28; ///< letters of it on a card
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 template <typename Counts>
 int countOf(const Counts& counts, const std::string& key) {

@@ -4,6 +4,7 @@
 #include "exposure/ExposureScales.h"
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 #include "ui/SiteWords.h"
 
 #include <QVariantMap>
@@ -15,10 +16,6 @@
 namespace zenka::ui {
 
 namespace {
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 /// What a clock counts down, without its sign.
 QString digits(double seconds) {

@@ -3,6 +3,7 @@
 #include "exposure/ExposureScales.h"
 #include "rig/RigModel.h"
 #include "ui/ExposureFields.h"
+#include "ui/QtText.h"
 
 #include <QVariantMap>
 
@@ -17,10 +18,6 @@ namespace {
 
 constexpr std::array<const char*, 3> limitNames{"ISO, lowest to highest", "Shutter, fastest to slowest",
                                                 "Aperture, widest to narrowest"};
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 QString shutterText(double seconds) {
     return qt(exposure::snapToStandard(seconds));

@@ -3,6 +3,7 @@
 #include "rig/FireWording.h"
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 
 #include <algorithm>
 #include <string>
@@ -10,10 +11,6 @@
 namespace zenka::ui {
 
 namespace {
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 QString originOf(const exposure::CompGaps& gaps) {
     if (gaps.source == "script")

@@ -20,16 +20,6 @@ constexpr double largestAperture = 256;
 constexpr double shortestSec = 1.0 / 128'000;
 constexpr double longestSec = 900;
 
-/// Without a word before or behind the number.
-std::string bare(std::string_view text, std::string_view before, std::string_view behind) {
-    std::string number = base::lowered(base::trimmed(text));
-    if (!before.empty() && number.starts_with(before))
-        number.erase(0, before.size());
-    if (!behind.empty() && number.ends_with(behind))
-        number.erase(number.size() - behind.size());
-    return base::replacedAll(base::trimmed(number), ",", ".");
-}
-
 Reading readIso(std::string_view text) {
     const auto value = base::readNumber(bare(text, "iso", ""));
     if (!value || std::floor(*value) != *value)
@@ -40,10 +30,7 @@ Reading readIso(std::string_view text) {
 }
 
 Reading readAperture(std::string_view text) {
-    std::string number = bare(text, "f", "");
-    if (number.starts_with('/'))
-        number.erase(0, 1);
-    const auto value = base::readNumber(base::trimmed(number));
+    const auto value = base::readNumber(bareAperture(text));
     if (!value)
         return {.fault =
                     "This is no aperture. Type an f-number, as 8 or 5.6, or nothing for the body's own."};
@@ -101,6 +88,22 @@ std::string snapped(Field field, double value) {
 }
 
 } // namespace
+
+std::string bare(std::string_view text, std::string_view before, std::string_view behind) {
+    std::string number = base::lowered(base::trimmed(text));
+    if (!before.empty() && number.starts_with(before))
+        number.erase(0, before.size());
+    if (!behind.empty() && number.ends_with(behind))
+        number.erase(number.size() - behind.size());
+    return base::replacedAll(base::trimmed(number), ",", ".");
+}
+
+std::string bareAperture(std::string_view text) {
+    std::string number = bare(text, "f", "");
+    if (number.starts_with('/'))
+        number.erase(0, 1);
+    return std::string(base::trimmed(number));
+}
 
 Reading read(Field field, std::string_view text) {
     const std::string_view typed = base::trimmed(text);

@@ -13,6 +13,12 @@ namespace zenka::ui::ExposureFields {
 enum class Field { iso, aperture, shutter };
 inline constexpr std::array<Field, 3> all{Field::iso, Field::aperture, Field::shutter};
 
+/// The number in what was typed, with a point: without blanks and a word (in small letters) before or behind
+/// it.
+std::string bare(std::string_view text, std::string_view before, std::string_view behind);
+/// The same of an f-number: "5.6" of "f/5,6".
+std::string bareAperture(std::string_view text);
+
 struct Reading {
     double value = 0;  ///< 0: the body's own
     std::string fault; ///< a sentence; empty where the text can be read

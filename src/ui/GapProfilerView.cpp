@@ -4,7 +4,9 @@
 #include "base/Text.h"
 #include "exposure/ExposureScales.h"
 #include "rig/RigModel.h"
+#include "ui/ExposureFields.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 
 #include <QVariantMap>
 
@@ -19,10 +21,6 @@ using rig::GapProfileMode;
 using rig::GapSettingsMode;
 
 namespace {
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// A shutter that makes a frame a long one, seconds.
 constexpr double longFrame = 0.25;
@@ -46,12 +44,10 @@ struct Cadence {
 };
 
 Cadence readCadence(const QString& text) {
-    std::string typed = base::lowered(base::trimmed(text.toStdString()));
+    const std::string typed = ExposureFields::bare(text.toStdString(), "", "s");
     if (typed.empty())
         return {};
-    if (typed.ends_with('s'))
-        typed.pop_back();
-    const auto seconds = base::readNumber(base::trimmed(base::replacedAll(typed, ",", ".")));
+    const auto seconds = base::readNumber(typed);
     if (!seconds)
         return {.fault = QStringLiteral("This is no cadence. Type the seconds from frame to frame, as 0.5 or "
                                         "2, or nothing for the one that suits the body.")};

@@ -2,19 +2,12 @@
 
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace zenka::ui {
-
-namespace {
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
-} // namespace
 
 LibraryView::LibraryView(rig::RigModel& rig, QObject* parent) : QAbstractListModel(parent), rig_(rig) {
     observe(this, rig.library().changed(), [this] { refresh(); });

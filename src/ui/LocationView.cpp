@@ -4,6 +4,7 @@
 #include "rig/RigModel.h"
 #include "ui/EclipseTrack.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 #include "ui/SiteDraft.h"
 #include "ui/SiteWords.h"
 
@@ -19,10 +20,6 @@ namespace {
 
 constexpr std::size_t mostResults = 20;
 using Field = SiteDraft::Field;
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "ui/ScriptView.h"
 
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 #include "ui/ScriptGutter.h"
 #include "ui/ScriptHighlighter.h"
 #include "ui/ScriptPreview.h"
@@ -32,12 +33,6 @@ std::string pathOf(const QUrl& file) {
 
 QString shown(const std::string& path) {
     return QFile::decodeName(QByteArray::fromStdString(path));
-}
-
-/// "1 frame", "2 frames"
-QString counted(qsizetype count, const char* word) {
-    return QStringLiteral("%1 %2%3").arg(count).arg(QLatin1String(word),
-                                                    count == 1 ? QString() : QStringLiteral("s"));
 }
 
 std::string plainTextOf(const QTextDocument& document) {
@@ -202,7 +197,7 @@ QString ScriptView::summary() const {
     if (captures.empty())
         words.append(QStringLiteral("no frames"));
     else
-        words.append(counted(static_cast<qsizetype>(captures.size()), "frame") + QStringLiteral(" on ") +
+        words.append(counted(std::ssize(captures), "frame") + QStringLiteral(" on ") +
                      counted(static_cast<qsizetype>(desk_.visibleCameras().size()), "camera"));
     const auto cues = static_cast<qsizetype>(desk_.audioCues().size());
     words.append(cues == 0 ? QStringLiteral("no cues") : counted(cues, "cue"));

@@ -2,6 +2,7 @@
 
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 
 #include <absl/strings/str_format.h>
 
@@ -13,10 +14,6 @@ namespace zenka::ui {
 namespace {
 
 using ExposureFields::Field;
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 std::size_t at(Field field) {
     return static_cast<std::size_t>(field);

@@ -4,6 +4,7 @@
 #include "exposure/ExposureScales.h"
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 #include "ui/TimelineAxis.h"
 
 #include <QStringList>
@@ -17,10 +18,6 @@ namespace zenka::ui {
 namespace {
 
 constexpr double contactMargin = 60; // seconds around first and last contact and the cues
-
-QString counted(std::size_t count, const char* thing) {
-    return QString::fromStdString(absl::StrFormat("%d %s%s", count, thing, count == 1 ? "" : "s"));
-}
 
 std::string exposureText(const script::Capture& capture) {
     const std::string time = capture.shutterSec > 0 ? exposure::shutterLabel(capture.shutterSec) : "";

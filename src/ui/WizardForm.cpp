@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "exposure/ExposureScales.h"
+#include "ui/ExposureFields.h"
 
 #include <absl/strings/str_format.h>
 
@@ -53,28 +54,11 @@ std::string numberText(double value) {
     return text;
 }
 
-/// What was typed without the words that stand around the value, in small letters and with a point.
-std::string bare(std::string_view text, std::string_view before, std::string_view behind) {
-    std::string value = base::lowered(base::trimmed(text));
-    if (!before.empty() && value.starts_with(before))
-        value.erase(0, before.size());
-    if (!behind.empty() && value.ends_with(behind))
-        value.erase(value.size() - behind.size());
-    return base::replacedAll(base::trimmed(value), ",", ".");
-}
-
 std::optional<double> numberOf(const Field& field, std::string_view text) {
     std::string unit = base::lowered(field.unit);
     unit = unit.substr(0, unit.find(' '));
-    const auto value = base::readNumber(bare(text, "", unit));
+    const auto value = base::readNumber(ExposureFields::bare(text, "", unit));
     return value && std::abs(*value) <= largestNumber ? value : std::nullopt;
-}
-
-std::string apertureText(std::string_view text) {
-    std::string value = bare(text, "f", "");
-    if (value.starts_with('/'))
-        value.erase(0, 1);
-    return std::string(base::trimmed(value));
 }
 
 /// The text of a shutter or aperture, the number of an ISO, as a number to compare with.
@@ -91,7 +75,7 @@ std::string readWhole(const Field& field, std::string_view text, int& value) {
 }
 
 std::string readIso(std::string_view text, int& value) {
-    const auto number = base::readNumber(bare(text, "iso", ""));
+    const auto number = base::readNumber(ExposureFields::bare(text, "iso", ""));
     if (!number || std::floor(*number) != *number || *number < 1 || *number > largestNumber)
         return "This is no ISO value. Type a whole number, as 100.";
     value = static_cast<int>(*number);
@@ -99,7 +83,7 @@ std::string readIso(std::string_view text, int& value) {
 }
 
 std::string readShutter(const Field& field, std::string_view text, std::string& value) {
-    const std::string typed = bare(text, "", "s");
+    const std::string typed = ExposureFields::bare(text, "", "s");
     if (typed.empty() && field.mayBeEmpty) {
         value.clear();
         return {};
@@ -112,7 +96,7 @@ std::string readShutter(const Field& field, std::string_view text, std::string& 
 }
 
 std::string readAperture(std::string_view text, std::string& value) {
-    const std::string typed = apertureText(text);
+    const std::string typed = ExposureFields::bareAperture(text);
     const auto number = base::readNumber(typed);
     if (!number || *number <= 0 || *number > largestNumber)
         return "This is no aperture. Type an f-number, as 8 or 5.6.";

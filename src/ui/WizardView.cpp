@@ -6,6 +6,7 @@
 #include "script/ScriptWizardGen.h"
 #include "script/WizardCheck.h"
 #include "ui/Observe.h"
+#include "ui/QtText.h"
 #include "ui/WizardTimeline.h"
 #include "ui/WizardWords.h"
 
@@ -24,17 +25,6 @@ using script::WizardChoices;
 namespace {
 
 constexpr char answersKey[] = "zenka.wizardAnswers";
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-QStringList qt(const std::vector<std::string>& list) {
-    QStringList texts;
-    for (const std::string& text : list)
-        texts.append(qt(text));
-    return texts;
-}
 
 bool contains(const std::vector<std::string>& list, const std::string& item) {
     return std::ranges::find(list, item) != list.end();

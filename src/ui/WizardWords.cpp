@@ -1,5 +1,7 @@
 #include "ui/WizardWords.h"
 
+#include "ui/QtText.h"
+
 #include <QStringList>
 #include <QVariantMap>
 
@@ -8,15 +10,6 @@ namespace zenka::ui::WizardWords {
 namespace {
 
 namespace Guide = script::EspenakGuide;
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-QString counted(int count, const char* word) {
-    return QStringLiteral("%1 %2%3").arg(count).arg(QLatin1String(word),
-                                                    count == 1 ? QString() : QStringLiteral("s"));
-}
 
 QString symbolOf(Guide::Level level) {
     switch (level) {
