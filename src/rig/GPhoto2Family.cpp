@@ -101,9 +101,12 @@ std::vector<CameraFamily::Rebound> GPhoto2Family::rebind(const std::vector<DownB
     std::vector<DownBody> missing = down;
     for (const auto& detected : program_.autodetect()) {
         const auto device = USBCameraNames::lookup(bus_, detected.port);
-        if (!device || device->serial.value_or("").empty())
+        if (!device)
             continue;
-        const auto wanted = std::ranges::find(missing, *device->serial, &DownBody::serial);
+        const std::string serial = device->serial.value_or("");
+        if (serial.empty())
+            continue;
+        const auto wanted = std::ranges::find(missing, serial, &DownBody::serial);
         if (wanted == missing.end())
             continue;
         // A body on the bus need not be one that talks.
@@ -112,12 +115,11 @@ std::vector<CameraFamily::Rebound> GPhoto2Family::rebind(const std::vector<DownB
             continue;
         if (alive.resetRevived)
             tell(wanted->label + ": its USB link was stuck and has been reset.");
-        back.push_back({.id = wanted->id,
-                        .make = driverOf({.model = wanted->model,
-                                          .port = detected.port,
-                                          .serial = *device->serial,
-                                          .hub = device->hub},
-                                         When::midRun)});
+        back.push_back(
+            {.id = wanted->id,
+             .make = driverOf(
+                 {.model = wanted->model, .port = detected.port, .serial = serial, .hub = device->hub},
+                 When::midRun)});
         missing.erase(wanted);
     }
     return back;

@@ -215,7 +215,7 @@ QString TimelineView::markText() const {
         return describe(*selection_);
     if (empty())
         return QStringLiteral("No frames yet. Write a script, open a file, or let the wizard make one.");
-    return counted(rig_.script().captures().size(), "frame") +
+    return counted(std::ssize(rig_.script().captures()), "frame") +
            QStringLiteral(". Left and right choose one, Enter shows its script line.");
 }
 
@@ -252,10 +252,10 @@ QString TimelineView::describeLane(const TimelineLane& lane) const {
             .arg(name);
     case TimelineLane::Kind::unused:
         return QStringLiteral("%1: no frame of the script is for this body.").arg(name);
-    case TimelineLane::Kind::cues: return counted(lane.rows.size(), "spoken cue") + QLatin1Char('.');
+    case TimelineLane::Kind::cues: return counted(std::ssize(lane.rows), "spoken cue") + QLatin1Char('.');
     case TimelineLane::Kind::script: break;
     }
-    return name + QStringLiteral(": ") + counted(lane.rows.size(), "frame") + QLatin1Char('.');
+    return name + QStringLiteral(": ") + counted(std::ssize(lane.rows), "frame") + QLatin1Char('.');
 }
 
 QString TimelineView::keysText() const {
