@@ -92,7 +92,11 @@ void RigModel::connectCameras() {
         modes_.carry(from, to);
         testShots_.carry(from, to);
     };
-    heldSessions_.idle().connect([this](const Camera& camera) { modes_.recheck(camera); });
+    heldSessions_.idle().connect([this](const Camera& camera) {
+        // Questions to a body that is being got back would keep its port from being reset.
+        if (!reconnect_.downCams().contains(camera->id()))
+            modes_.recheck(camera);
+    });
     heldSessions_.gone().connect([this](const Camera& camera) {
         reconnect_.requestReconnect(camera);
         // One that cannot be known again does not come back by itself.
