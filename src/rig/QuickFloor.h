@@ -41,8 +41,9 @@ public:
     /// The rung so far.
     const std::optional<GapProfileRow>& underWay() const { return underWay_; }
 
-    /// The intervals in seconds, in the order in which they are tried.
     static constexpr int framesPerRung = 6;
+
+    /// The intervals in seconds, in the order in which they are tried.
     static std::span<const double> fastLadder();
     static std::span<const double> slowLadder();
     /// Settings of two frames that differ in everything.

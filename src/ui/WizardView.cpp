@@ -332,12 +332,17 @@ void WizardView::undo() {
     answered();
 }
 
-void WizardView::tick(const QString& key, bool on) {
+void WizardView::change(const QString& key, const std::function<void(const WizardForm::Field&)>& how) {
     const auto* field = WizardForm::fieldOf(key.toStdString());
     if (!field)
         return;
-    WizardForm::tick(*field, on, plan());
+    how(*field);
+    typed_.erase({planName(), field->id});
     answered();
+}
+
+void WizardView::tick(const QString& key, bool on) {
+    change(key, [&](const auto& field) { WizardForm::tick(field, on, plan()); });
 }
 
 void WizardView::type(const QString& key, const QString& text) {
@@ -358,12 +363,7 @@ void WizardView::settle(const QString& key) {
 }
 
 void WizardView::nudge(const QString& key, int steps) {
-    const auto* field = WizardForm::fieldOf(key.toStdString());
-    if (!field)
-        return;
-    WizardForm::nudge(*field, steps, plan());
-    typed_.erase({planName(), field->id});
-    answered();
+    change(key, [&](const auto& field) { WizardForm::nudge(field, steps, plan()); });
 }
 
 QStringList WizardView::options(const QString& key) const {
@@ -377,25 +377,16 @@ int WizardView::optionNow(const QString& key) const {
 }
 
 void WizardView::takeOption(const QString& key, int option) {
-    const auto* field = WizardForm::fieldOf(key.toStdString());
-    if (!field)
-        return;
-    WizardForm::takeOption(*field, option, plan());
-    typed_.erase({planName(), field->id});
-    answered();
+    change(key, [&](const auto& field) { WizardForm::takeOption(field, option, plan()); });
 }
 
 void WizardView::takeOffer(const QString& key) {
     if (const auto floor = floorFor(key.toStdString()))
-        takeShutter(key, QString::number(*floor));
+        takeValue(key, QString::number(*floor));
 }
 
-void WizardView::takeShutter(const QString& key, const QString& shutter) {
-    const auto* field = WizardForm::fieldOf(key.toStdString());
-    if (!field || !WizardForm::read(*field, shutter.toStdString(), plan()).empty())
-        return;
-    typed_.erase({planName(), field->id});
-    answered();
+void WizardView::takeValue(const QString& key, const QString& value) {
+    change(key, [&](const auto& field) { WizardForm::read(field, value.toStdString(), plan()); });
 }
 
 void WizardView::askPreview() {

@@ -10,6 +10,7 @@
 #include <QStringList>
 #include <QVariantList>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -126,7 +127,8 @@ public:
     Q_INVOKABLE void takeOption(const QString& key, int option);
     /// Takes what the field's button offers.
     Q_INVOKABLE void takeOffer(const QString& key);
-    Q_INVOKABLE void takeShutter(const QString& key, const QString& shutter);
+    /// Takes a value that a gauge suggests.
+    Q_INVOKABLE void takeValue(const QString& key, const QString& value);
 
     /// Puts the script into the editor.
     Q_INVOKABLE void apply();
@@ -155,6 +157,8 @@ private:
     std::optional<double> floorFor(std::string_view key) const;
     WizardCell::State stateOf(const WizardForm::Field& field, const script::WizardChoices& usable) const;
     void refresh();
+    /// Changes an answer otherwise than by typing: what was typed for it gives way.
+    void change(const QString& key, const std::function<void(const WizardForm::Field&)>& how);
     void keepForUndo(const QString& what);
     void answered();
     void askPreview();

@@ -208,7 +208,8 @@ TEST(ScriptValidator, whatIsFoundStandsUntilTheScriptIsCompiledAgain) {
     EXPECT_TRUE(rig.logged("Validate: 0 errors, 1 warning"));
 
     EXPECT_EQ(validator.issues(text + "NONSENSE\n").size(), 2U) << "the compiler's words come first";
-    EXPECT_EQ(rig.model.script().captures().size(), 2U);
+    EXPECT_EQ(rig.model.script().compilePreview(rig.frameAt(clock)).size(), 1U);
+    EXPECT_EQ(rig.model.script().captures().size(), 2U) << "other texts touch nothing";
 
     rig.model.floors().saveMeasuredFloor(body->model(), 0.2, false);
     rig.model.floors().saveSustainedFloor(body->model(), 0.4);

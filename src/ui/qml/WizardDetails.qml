@@ -89,7 +89,7 @@ ColumnLayout {
                 objectName: "take-" + row.gauge.field
                 anchors { right: parent.right; verticalCenter: parent.verticalCenter }
                 text: "Take " + row.gauge.shutter
-                onClicked: wizard.takeShutter(row.gauge.field, row.gauge.shutter)
+                onClicked: wizard.takeValue(row.gauge.field, row.gauge.shutter)
                 Accessible.name: row.gauge.name + ": take the table's shutter " + row.gauge.shutter
             }
         }
