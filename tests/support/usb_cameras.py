@@ -16,6 +16,7 @@ gets a line back for each:
 Its end is the program's end, with its exit status.
 """
 
+import glob
 import json
 import os
 import socket
@@ -224,6 +225,17 @@ class Camera(UMockdev.IoctlBase):
             self.receive(bytes(buffer.retrieve()))
         self.serve()
 
+    def opened_by(self):
+        """How many processes have the device open. The test bed takes a client that was killed while it was
+        being answered for connected ever after."""
+        count = 0
+        for descriptors in glob.glob("/proc/[0-9]*/fd"):
+            try:
+                count += any(os.readlink(file.path) == self.file for file in os.scandir(descriptors))
+            except OSError:
+                continue  # it has ended, or is somebody else's
+        return count
+
     def answer(self, client, number, argument):
         """The error of a request, 0 for none."""
         if self.gone:
@@ -234,7 +246,7 @@ class Camera(UMockdev.IoctlBase):
             return ENODATA
         elif number == CLAIMINTERFACE:
             if self.owner and self.owner != client:
-                if self.owner.get_connected():
+                if self.opened_by() > 1:
                     return EBUSY
                 self.forget_transfers()  # of one that was killed
             self.owner = client
@@ -277,6 +289,7 @@ class Bus:
         camera.vid = order["vid"]
         camera.place = f"/devices/pci0000:00/0000:00:14.0/usb{BUS}/{BUS}-{camera.address}"
         self.bed.add_from_string(camera.description())
+        camera.file = self.bed.get_root_dir() + camera.node
         self.bed.attach_ioctl(camera.node, camera)
         self.bed.uevent("/sys" + camera.place, "add")
         self.cameras[order["serial"]] = camera
