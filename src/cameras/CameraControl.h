@@ -102,6 +102,9 @@ public:
     /// Asks for a sign of life where the driver holds a link that would go to sleep without.
     virtual void keepAlive() {}
 
+    /// Reads the value lists that the driver still lacks. Called while the body has nothing to do.
+    virtual void learnChoices() {}
+
     /// False for a body that exists in the program only.
     virtual bool isReal() const { return true; }
 

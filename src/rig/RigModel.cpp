@@ -94,8 +94,10 @@ void RigModel::connectCameras() {
     };
     heldSessions_.idle().connect([this](const Camera& camera) {
         // Questions to a body that is being got back would keep its port from being reset.
-        if (!reconnect_.downCams().contains(camera->id()))
-            modes_.recheck(camera);
+        if (reconnect_.downCams().contains(camera->id()))
+            return;
+        modes_.recheck(camera);
+        camera->learnChoices();
     });
     heldSessions_.gone().connect([this](const Camera& camera) {
         reconnect_.requestReconnect(camera);

@@ -211,6 +211,20 @@ TEST_F(GPhoto2FamilyTest, aBodyWithOneShutterOrNoneGetsTheFramesAsWritten) {
     }
 }
 
+TEST_F(GPhoto2FamilyTest, aBodyThatWasTooBusyToTellItsShuttersIsAskedAgain) {
+    plugIn(4, "Fuji Fujifilm X-T5", "X-T5", "F77");
+    children->silentPort = "usb:001,004";
+    rig.model.heldSessions().startKeepAlive();
+    detect();
+    const auto body = std::dynamic_pointer_cast<cameras::GPhoto2Camera>(rig.model.roster().cameras().front());
+    ASSERT_TRUE(body);
+    rig.run(20); // the reading at Detect has given up
+    EXPECT_TRUE(body->exposureChoices().empty());
+    children->silentPort.clear();
+    rig.run(50);
+    EXPECT_EQ(body->exposureChoices().shutter.size(), shutters.size());
+}
+
 TEST_F(GPhoto2FamilyTest, aBodyThatNeverGivesAPromptIsListedAndDropsItsFrames) {
     plugIn(4, "Nikon DSC D750", "NIKON DSC D750", "6001");
     plugIn(5, "Nikon DSC D850", "NIKON DSC D850", "6002");

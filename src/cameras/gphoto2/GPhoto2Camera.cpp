@@ -88,7 +88,8 @@ void GPhoto2Camera::warmUp() {
 }
 
 void GPhoto2Camera::learnChoices() {
-    queue_->post([worker = worker_] { worker->learnChoices(); });
+    if (!usePersistent() && connected_) // a held session reads them as it begins
+        queue_->post([worker = worker_] { worker->learnChoices(); });
 }
 
 void GPhoto2Camera::keepAlive() {

@@ -49,8 +49,7 @@ public:
     /// Holds a session ready before the first shot, for a body that is driven through one: up to three
     /// tries.
     void warmUp();
-    /// Learns what a body offers whose model has never told, for one that has no session to warm up.
-    void learnChoices();
+    void learnChoices() override;
     /// Asks a held session for a sign of life; one without is dropped.
     void keepAlive() override;
     /// Ends the session within a limit, by force if it must be. For the end of the program: the camera
