@@ -16,11 +16,12 @@ struct AnalysisResult {
         int iso = 0;
         double ap = 0; ///< f-number
         std::string shutter;
-        int expCount = 0;  ///< planned
-        int actCount = 0;  ///< landed
-        int nearCount = 0; ///< landed at another ISO than asked
-        int landedISO = 0; ///< the ISO of those; 0 without any
-        bool ok = false;   ///< all landed
+        int expCount = 0;   ///< planned
+        int actCount = 0;   ///< landed
+        int nearCount = 0;  ///< landed at another ISO than asked
+        int landedISO = 0;  ///< the ISO of those; 0 without any
+        bool ok = false;    ///< all landed
+        int wrongCount = 0; ///< at their time on the card, but with wrong settings; not in actCount
 
         /// "ISO 320", or "ISO 320 → 400" where the body rounded it.
         std::string isoDisplay() const;
@@ -53,6 +54,8 @@ struct AnalysisResult {
     std::optional<std::string> runLogName; ///< the file of the run log
     int misExposed = 0;                    ///< landed at their time with wrong settings
     std::vector<std::string> misExposedNote;
+    /// For each capture in the order of time, whether it has a frame, of whatever settings. Empty: not known.
+    std::vector<bool> landed;
 
     /// Captures with no frame at all.
     int missing() const;

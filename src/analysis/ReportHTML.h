@@ -6,6 +6,7 @@
 
 #include <absl/time/time.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,8 @@ struct Context {
     int imageFiles = 0;      ///< of the card, before RAW and JPEG of one shot were counted as one
     base::Instant generated; ///< now
     absl::TimeZone zone;     ///< that the times are written in
+    /// Frames of the whole card, which may hold more than the run that was compared. Nothing: those compared.
+    std::optional<int> cardFrames = std::nullopt;
 };
 
 /// `actual` are the frames compared, `expected` the captures.
