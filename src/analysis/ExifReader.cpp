@@ -158,9 +158,11 @@ std::vector<ExifFrame> ExifReader::pairRawAndJpeg(const std::vector<ExifFrame>& 
     return shots;
 }
 
-std::optional<std::string> ExifReader::firstCameraModel(const fs::path& folder) {
+std::optional<std::string> ExifReader::firstCameraModel(const fs::path& folder, const ReadWatch& watch) {
     std::optional<std::string> camera;
     walkFiles(folder, [&](const fs::path& file) {
+        if (watch.cancelled())
+            return false;
         if (!cardImageExtensions().contains(extensionOf(file)))
             return true;
         const auto fields = metadata_.read(file);

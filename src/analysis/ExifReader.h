@@ -36,7 +36,8 @@ public:
     std::vector<ExifFrame> read(const std::filesystem::path& folder, const ReadWatch& watch = {});
 
     /// Make and model of the first image that tells them.
-    std::optional<std::string> firstCameraModel(const std::filesystem::path& folder);
+    std::optional<std::string> firstCameraModel(const std::filesystem::path& folder,
+                                                const ReadWatch& watch = {});
 
     // of the last read
 

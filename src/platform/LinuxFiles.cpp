@@ -4,6 +4,7 @@
 
 #include <absl/strings/str_format.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -182,6 +183,18 @@ std::unique_ptr<ports::AppendFile> LinuxFiles::create(const fs::path& path, std:
     }
     syncFolder(folder);
     return std::make_unique<LinuxAppendFile>(std::move(handle));
+}
+
+std::vector<std::string> LinuxFiles::namesIn(const fs::path& folder) {
+    std::vector<std::string> names;
+    std::error_code fault;
+    for (fs::directory_iterator at(folder, fault), end; !fault && at != end; at.increment(fault)) {
+        std::error_code unknown;
+        if (at->is_regular_file(unknown))
+            names.push_back(at->path().filename());
+    }
+    std::ranges::sort(names);
+    return names;
 }
 
 bool LinuxFiles::exists(const fs::path& path) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/BundledPlaceLookup.h"
+#include "platform/Exiv2Metadata.h"
 #include "platform/LinuxChildProcesses.h"
 #include "platform/LinuxClock.h"
 #include "platform/LinuxFiles.h"
@@ -9,6 +10,7 @@
 #include "platform/LinuxProcessTable.h"
 #include "platform/LinuxStallSampler.h"
 #include "platform/LinuxUsbBus.h"
+#include "platform/LinuxVolumes.h"
 #include "platform/QtHttpClient.h"
 #include "platform/QtMainLoop.h"
 #include "platform/ThreadWorkQueues.h"
@@ -21,8 +23,8 @@ namespace zenka::platform {
 class LinuxPorts {
 public:
     LinuxPorts(ports::Settings& settings, ports::Folders& folders)
-        : all{clock, loop,      queues,       fireTimer, settings, folders,
-              files, keepAwake, stallSampler, places,    http} {}
+        : all{clock,     loop,         queues, fireTimer, settings, folders, files,
+              keepAwake, stallSampler, places, http,      images,   volumes} {}
 
     LinuxClock clock;
     QtMainLoop loop;
@@ -34,6 +36,8 @@ public:
     LinuxChildProcesses children;
     LinuxUsbBus usb;
     LinuxProcessTable processes;
+    Exiv2Metadata images;
+    LinuxVolumes volumes;
     QtHttpClient http{loop};
     ThreadWorkQueues queues; ///< ends first, with what is under way on it
     ports::Ports all;

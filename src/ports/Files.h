@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zenka::ports {
 
@@ -32,6 +33,9 @@ public:
     /// Makes a new file with this content and keeps it open for appending. Makes missing folders.
     /// Nothing when the name is taken (the file there stays as it is) or the file cannot be made.
     virtual std::unique_ptr<AppendFile> create(const std::filesystem::path& path, std::string_view bytes) = 0;
+
+    /// The names of the regular files of a folder, ascending; none when it cannot be listed.
+    virtual std::vector<std::string> namesIn(const std::filesystem::path& folder) = 0;
 
     virtual bool exists(const std::filesystem::path& path) = 0;
 

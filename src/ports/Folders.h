@@ -16,6 +16,8 @@ public:
 
     /// The run logs: "Zenka Logs" in the documents.
     std::filesystem::path runLogs() const { return documents() / "Zenka Logs"; }
+    /// The reports on what reached a card: "Zenka Reports" in the documents.
+    std::filesystem::path reports() const { return documents() / "Zenka Reports"; }
 };
 
 } // namespace zenka::ports

@@ -5,11 +5,13 @@
 #include "ports/FireTimer.h"
 #include "ports/Folders.h"
 #include "ports/HttpClient.h"
+#include "ports/ImageMetadata.h"
 #include "ports/KeepAwake.h"
 #include "ports/MainLoop.h"
 #include "ports/PlaceLookup.h"
 #include "ports/Settings.h"
 #include "ports/StallSampler.h"
+#include "ports/Volumes.h"
 #include "ports/WorkQueues.h"
 
 namespace zenka::ports {
@@ -27,6 +29,8 @@ struct Ports {
     StallSampler& stallSampler;
     PlaceLookup& places;
     HttpClient& http;
+    ImageMetadata& images;
+    Volumes& volumes;
 };
 
 } // namespace zenka::ports

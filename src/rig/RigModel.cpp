@@ -24,7 +24,8 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
       library_(ports_, log_, roster_), validator_(ports_, log_, site_, script_, roster_, floors_),
       cadence_(log_, roster_, script_, floors_),
       gapProfiler_(ports_, log_, roster_, transport_, manualFire_, floors_, inUse_),
-      cameraProfiler_(ports_, roster_, transport_, library_, inUse_), modes_(log_, roster_),
+      cameraProfiler_(ports_, roster_, transport_, library_, inUse_), cards_(ports_),
+      analyzer_(ports_, log_, script_, transport_, logbook_, cards_), modes_(log_, roster_),
       detector_(ports_, log_, roster_, transport_, families),
       reconnect_(ports_, log_, roster_, logbook_, transport_, families),
       heldSessions_(ports_, log_, roster_, fireLoop_, inUse_, families), announcer_(log_, script_),
@@ -65,8 +66,13 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
 
 void RigModel::connectProfilers(const CameraDetector::Families& families) {
     transport_.setArmCheck([this] { return cadence_.holdsArming(); });
-    logbook_.completed().connect(
-        [this](const std::vector<BodyTally>& bodies) { cadence_.explainDrops(bodies); });
+    // What explains the drops of a run is read before its card is asked for.
+    cadence_.explained().connect([this] { analyzer_.runCompleted(); });
+    logbook_.completed().connect([this](const std::vector<BodyTally>& bodies) {
+        cadence_.explainDrops(bodies);
+        if (!cadence_.dropExplainer().get())
+            analyzer_.runCompleted();
+    });
     roster_.changed().connect([this] { gapProfiler_.followRoster(); });
     transport_.activityChanged().connect([this] { gapProfiler_.followRun(); });
     gapProfiler_.setCheckLink([families, queue = ports_.queues.serial("zenka.linkcheck"),
@@ -136,6 +142,7 @@ void RigModel::bootstrap() {
     keeper_.checkForResumableRun();
     keeper_.checkEclipseDay();
     heldSessions_.startKeepAlive();
+    cards_.start();
     fireClock_.startClock();
 }
 

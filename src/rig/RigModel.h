@@ -8,6 +8,7 @@
 #include "rig/CameraDetector.h"
 #include "rig/CameraProfiler.h"
 #include "rig/CameraRoster.h"
+#include "rig/CardWatch.h"
 #include "rig/ExposureControl.h"
 #include "rig/FireClock.h"
 #include "rig/FireLoop.h"
@@ -20,6 +21,7 @@
 #include "rig/ReconnectDesk.h"
 #include "rig/RenderPace.h"
 #include "rig/RigLog.h"
+#include "rig/RunAnalyzer.h"
 #include "rig/RunKeeper.h"
 #include "rig/RunLogbook.h"
 #include "rig/ScriptDesk.h"
@@ -77,6 +79,8 @@ public:
     CadenceAdvisor& cadence() { return cadence_; }
     GapProfiler& gapProfiler() { return gapProfiler_; }
     CameraProfiler& cameraProfiler() { return cameraProfiler_; }
+    CardWatch& cards() { return cards_; }
+    RunAnalyzer& analyzer() { return analyzer_; }
     BodyModes& modes() { return modes_; }
     CameraDetector& detector() { return detector_; }
     ReconnectDesk& reconnect() { return reconnect_; }
@@ -114,6 +118,8 @@ private:
     CadenceAdvisor cadence_;
     GapProfiler gapProfiler_;
     CameraProfiler cameraProfiler_;
+    CardWatch cards_;
+    RunAnalyzer analyzer_;
     BodyModes modes_;
     CameraDetector detector_;
     ReconnectDesk reconnect_;

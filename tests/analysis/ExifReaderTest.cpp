@@ -4,6 +4,7 @@
 #include "base/CivilTime.h"
 #include "platform/virtual/VirtualMachine.h"
 #include "support/ImageFiles.h"
+#include "support/ScriptedCards.h"
 #include "support/TempFolder.h"
 
 #include <absl/strings/str_format.h>
@@ -23,20 +24,6 @@ using testing::Pair;
 
 namespace {
 
-/// Says of each file what the test has put down for its name.
-struct ToldMetadata final : ports::ImageMetadata {
-    std::map<std::string, ports::ImageFields> fields;
-    std::mutex lock;
-    std::vector<std::string> asked;
-
-    std::optional<ports::ImageFields> read(const std::filesystem::path& file) override {
-        const std::lock_guard guard(lock);
-        asked.push_back(file.filename());
-        const auto found = fields.find(file.filename());
-        return found == fields.end() ? std::nullopt : std::optional(found->second);
-    }
-};
-
 /// A pool of threads that are really there.
 struct Pool final : ports::WorkQueues {
     std::vector<std::jthread> threads;
@@ -46,7 +33,7 @@ struct Pool final : ports::WorkQueues {
 
 struct ExifReaderTest : testing::Test {
     test::TempFolder card;
-    ToldMetadata metadata;
+    test::ToldImages metadata;
     Pool pool;
     ExifReader reader{metadata, pool, absl::UTCTimeZone()};
 

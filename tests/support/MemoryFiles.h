@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace zenka::test {
 
@@ -33,6 +34,14 @@ public:
             return nullptr;
         contents[path] = bytes;
         return std::make_unique<Appender>(*this, path);
+    }
+
+    std::vector<std::string> namesIn(const std::filesystem::path& folder) override {
+        std::vector<std::string> names;
+        for (const auto& [path, content] : contents)
+            if (path.parent_path() == folder)
+                names.push_back(path.filename());
+        return names;
     }
 
     bool exists(const std::filesystem::path& path) override { return contents.contains(path); }

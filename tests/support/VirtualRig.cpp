@@ -17,9 +17,11 @@ base::Instant anHourBefore() {
     return eclipse::Catalog::eclipse("2026-08-12").baseTDT() - base::Seconds{3600};
 }
 
-ports::Ports withLoop(const ports::Ports& all, ports::MainLoop& loop) {
-    return {all.clock, loop,          all.queues,       all.fireTimer, all.settings, all.folders,
-            all.files, all.keepAwake, all.stallSampler, all.places,    all.http};
+ports::Ports withParts(const ports::Ports& all, ports::MainLoop& loop, ports::ImageMetadata& images,
+                       ports::Volumes& volumes) {
+    return {all.clock,   loop,      all.queues,    all.fireTimer,    all.settings,
+            all.folders, all.files, all.keepAwake, all.stallSampler, all.places,
+            all.http,    images,    volumes};
 }
 
 } // namespace
@@ -44,7 +46,7 @@ VirtualRig::VirtualRig(const rig::CameraDetector::Families& families)
 
 VirtualRig::VirtualRig(const MakeFamilies& make)
     : machine(anHourBefore(), folders, files, places, http),
-      model(withLoop(machine.all, loop), "9.9", make(machine)) {
+      model(withParts(machine.all, loop, images, volumes), "9.9", make(machine)) {
     model.log().lineAdded().connect([this](const std::string& line) { lines.push_back(line); });
     model.recompute();
     model.fireClock().startClock();

@@ -5,6 +5,7 @@
 #include "support/FakePlaces.h"
 #include "support/MemoryFiles.h"
 #include "support/ScriptedCamera.h"
+#include "support/ScriptedCards.h"
 #include "support/ScriptedHttp.h"
 #include "support/WatchedLoop.h"
 
@@ -30,6 +31,8 @@ public:
     MemoryFolders folders;
     FakePlaces places;
     ScriptedHttp http;
+    ToldImages images;
+    ScriptedVolumes volumes;
     platform::VirtualPorts machine;
     WatchedLoop loop{machine.loop}; ///< the one that the rig has
     rig::RigModel model;

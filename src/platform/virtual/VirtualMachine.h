@@ -3,11 +3,13 @@
 #include "platform/virtual/VirtualTime.h"
 #include "ports/FireTimer.h"
 #include "ports/HttpClient.h"
+#include "ports/ImageMetadata.h"
 #include "ports/KeepAwake.h"
 #include "ports/MainLoop.h"
 #include "ports/PlaceLookup.h"
 #include "ports/Settings.h"
 #include "ports/StallSampler.h"
+#include "ports/Volumes.h"
 #include "ports/WorkQueues.h"
 
 #include <limits>
@@ -110,6 +112,19 @@ public:
 
 private:
     ports::MainLoop& loop_;
+};
+
+/// A machine whose files are no images.
+class NoImages final : public ports::ImageMetadata {
+public:
+    std::optional<ports::ImageFields> read(const std::filesystem::path&) override { return std::nullopt; }
+};
+
+/// A machine without a card reader.
+class NoVolumes final : public ports::Volumes {
+public:
+    std::vector<std::filesystem::path> mounted() override { return {}; }
+    void watch(std::function<void()>) override {}
 };
 
 class NoStallSampler final : public ports::StallSampler {

@@ -12,8 +12,8 @@ struct VirtualPorts {
 
     VirtualPorts(base::Instant wallStart, ports::Folders& folders, ports::Files& files,
                  ports::PlaceLookup& places, ports::HttpClient& http)
-        : time(wallStart), all{time,  loop,      queues,       fireTimer, settings, folders,
-                               files, keepAwake, stallSampler, places,    http} {}
+        : time(wallStart), all{time,      loop,         queues, fireTimer, settings, folders, files,
+                               keepAwake, stallSampler, places, http,      images,   volumes} {}
 
     VirtualTime time;
     VirtualLoop loop{time};
@@ -24,6 +24,8 @@ struct VirtualPorts {
     NoStallSampler stallSampler;
     NoPlaces nowhere;
     NoHttp noHttp{loop};
+    NoImages images;
+    NoVolumes volumes;
     ports::Ports all;
 };
 

@@ -1,0 +1,178 @@
+#include "rig/AnalyzerWords.h"
+
+#include "analysis/RunAnalysis.h"
+#include "base/CivilTime.h"
+
+#include <absl/strings/str_format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace zenka::rig::AnalyzerWords {
+
+namespace {
+
+using Step = AnalyzerState::Step;
+
+std::string summaryOf(const std::optional<RunSummary>& run) {
+    if (!run)
+        return {};
+    std::string words = absl::StrFormat("%d %s fired, %d dropped.", run->frames,
+                                        run->frames == 1 ? "frame" : "frames", run->dropped);
+    if (run->asymmetry)
+        words += " " + *run->asymmetry;
+    return words;
+}
+
+std::string joined(const std::vector<std::string>& parts, const std::string& between = ", ") {
+    std::string text;
+    for (const std::string& part : parts)
+        text += (text.empty() ? "" : between) + part;
+    return text;
+}
+
+/// The commonest first, "mov ×12".
+std::vector<std::string> commonestSkipped(const analysis::ExifReader& reader, std::size_t most) {
+    std::vector<std::pair<std::string, int>> skipped(reader.lastSkippedExtensions().begin(),
+                                                     reader.lastSkippedExtensions().end());
+    std::ranges::stable_sort(skipped, std::ranges::greater(), &std::pair<std::string, int>::second);
+    skipped.resize(std::min(skipped.size(), most));
+    std::vector<std::string> words;
+    for (const auto& [extension, count] : skipped)
+        words.push_back(absl::StrFormat("%s ×%d", extension, count));
+    return words;
+}
+
+/// What of the card went into no count, as a sentence; empty for nothing.
+std::string skippedOf(const analysis::ExifReader& reader, std::size_t logsBeside) {
+    std::vector<std::string> parts;
+    if (const int images = reader.lastUnreadable())
+        parts.push_back(absl::StrFormat("%d %s damaged or without a time", images,
+                                        images == 1 ? "image that is" : "images that are"));
+    if (const int folders = reader.lastUnreadableFolders())
+        parts.push_back(absl::StrFormat("%d %s that could not be read to the end", folders,
+                                        folders == 1 ? "folder" : "folders"));
+    if (const auto others = commonestSkipped(reader, 4); !others.empty())
+        parts.push_back("files that are no images: " + joined(others));
+    if (logsBeside > 0)
+        parts.push_back(absl::StrFormat("%d other run %s of the same shots", logsBeside,
+                                        logsBeside == 1 ? "log" : "logs"));
+    return parts.empty() ? std::string() : "Left out: " + joined(parts, "; ") + ".";
+}
+
+} // namespace
+
+AnalyzerState offer(const std::optional<RunSummary>& run) {
+    return {.step = Step::offer,
+            .summary = summaryOf(run),
+            .title = "Check what actually landed?",
+            .text =
+                "The Simulation Analyzer reads each RAW's real EXIF off the card in your reader and "
+                "compares it to the script — ISO, aperture, shutter, and firing time — so you see exactly "
+                "which planned frames landed and whether the exposures are right. Takes a few seconds.",
+            .choices = {"Analyze"}};
+}
+
+AnalyzerState runEnded(const std::optional<RunSummary>& run) {
+    return {.step = Step::message,
+            .summary = summaryOf(run),
+            .title = "Run complete",
+            .text = "Put a camera's card into a reader, and the Simulation Analyzer offers to check what "
+                    "landed on it."};
+}
+
+AnalyzerState liveRun() {
+    return {.step = Step::message,
+            .title = "A live run is on",
+            .text = "Reading a card takes the computer's attention. Analyze when the run is over."};
+}
+
+AnalyzerState noScript() {
+    return {.step = Step::message,
+            .title = "No script loaded",
+            .text = "Load or generate a capture script first, then run the analyzer against your SD card."};
+}
+
+AnalyzerState noCard() {
+    return {.step = Step::message,
+            .title = "No SD card found",
+            .text = "Insert your camera's SD card (a volume with a DCIM folder) and try again."};
+}
+
+AnalyzerState whichCard(const CardWatch::Cards& cards) {
+    AnalyzerState state{.step = Step::pickCard,
+                        .title = "Which card?",
+                        .text = "Several cards are in. Pick the one to check against the loaded script."};
+    for (const auto& card : cards)
+        state.choices.push_back(CardWatch::nameOf(card));
+    return state;
+}
+
+AnalyzerState whichCamera(const std::string& model, const script::CapturesByToken& script) {
+    AnalyzerState state{.step = Step::pickCamera,
+                        .title = "Which camera is this card from?",
+                        .text = "This card reports “" + model +
+                                "”. The analyzer compares it against only this body's frames in the loaded "
+                                "script."};
+    for (const auto& [token, captures] : script)
+        state.choices.push_back(token);
+    return state;
+}
+
+AnalyzerState whichRun(const std::vector<std::vector<analysis::ExifFrame>>& runs, int expected,
+                       const absl::TimeZone& zone) {
+    AnalyzerState state{.step = Step::pickRun,
+                        .title = "Which run is this card from?",
+                        .text = absl::StrFormat(
+                            "This card holds %d separate bursts (runs + test-fires). Pick the one to check "
+                            "against the loaded script (%d frames).",
+                            runs.size(), expected)};
+    const auto distance = [&](const auto& run) { return std::abs(static_cast<int>(run.size()) - expected); };
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        const auto& run = runs[i];
+        state.choices.push_back(absl::StrFormat("Analyze %d %s · %s to %s", run.size(),
+                                                run.size() == 1 ? "frame" : "frames",
+                                                base::formatTime("%d %b %H:%M:%S", run.front().date, zone),
+                                                base::formatTime("%H:%M:%S", run.back().date, zone)));
+        const auto best = static_cast<std::size_t>(state.recommended);
+        if (state.recommended < 0 || distance(run) <= distance(runs[best])) // the later of equals
+            state.recommended = static_cast<int>(i);
+    }
+    return state;
+}
+
+AnalyzerState verdict(const analysis::AnalysisResult& result, const analysis::ExifReader& reader,
+                      std::size_t logsBeside, bool written) {
+    std::string text =
+        absl::StrFormat("%d landed · %d dropped · %d at a rounded ISO (◐ yellow, still saved)\n",
+                        result.matched, result.missing(), result.nearMiss);
+    if (result.misExposed > 0)
+        text += absl::StrFormat("%d at the wrong exposure: %s\n", result.misExposed,
+                                joined(result.misExposedNote));
+    if (!result.nearMissNote.empty())
+        text += "ISO roundings: " + joined(result.nearMissNote) +
+                " — LUMIX rounds 1/3-stop ISOs to the nearest whole stop; ≤1/3 stop, not a drop.\n";
+    text += absl::StrFormat("Firing jitter ±%.0f ms (max %.0f ms) · duration %s\n", result.jitterMeanMs,
+                            result.jitterMaxMs, result.durationStr());
+    if (const std::string skipped = skippedOf(reader, logsBeside); !skipped.empty())
+        text += skipped + "\n";
+    text += written
+                ? "The report opened in your browser. Add an optional note (what you were testing, anything "
+                  "that looked off), then send it to the team, or keep it local."
+                : "The report could not be written to the disk.";
+    return {.step = Step::verdict,
+            .title = result.pass() ? "✓ Simulation Analyzer: PASS" : "Simulation Analyzer: review",
+            .text = std::move(text),
+            .pass = result.pass()};
+}
+
+std::string nothingReadable(const analysis::ExifReader& reader) {
+    const auto skipped = commonestSkipped(reader, 4);
+    if (skipped.empty())
+        return {};
+    return "⚠️ Analyzer: no readable images on this card, but it holds files I skipped (" +
+           joined(skipped) +
+           "). If one of those is this camera's image format, tell me — the analyzer needs to learn it.";
+}
+
+} // namespace zenka::rig::AnalyzerWords
