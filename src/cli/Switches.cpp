@@ -1,5 +1,6 @@
 #include "cli/Switches.h"
 
+#include "cli/Analyze.h"
 #include "cli/CompileFile.h"
 #include "cli/Rehearse.h"
 #include "cli/UsbHolders.h"
@@ -24,11 +25,12 @@ struct Switch {
 };
 
 // The order is fixed: of several switches given, the first of this table is run.
-constexpr std::array<Switch, 5> switches{{
+constexpr std::array<Switch, 6> switches{{
     {"--usb-names", 0, [](Values) { printUsbNames(); }},
     {"--usb-holders", 0, [](Values values) { printUsbHolders(values.empty() ? "" : values[0]); }},
     {"--validate", 0, [](Values) { runValidation(); }},
     {"--compile", 1, [](Values values) { compileFile(values[0]); }},
+    {"--analyze", 2, [](Values values) { analyzeCLI(values[0], values[1]); }},
     {"--rehearse", 1, [](Values values) { rehearse(values[0], values.subspan(1)); }},
 }};
 

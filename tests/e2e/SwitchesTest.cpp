@@ -1,7 +1,8 @@
 #include "support/Child.h"
+#include "support/ImageFiles.h"
 #include "support/TempFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
@@ -85,6 +86,40 @@ TEST_F(Switches, compilePrintsBothEndsOfTheScript) {
     EXPECT_EQ(zenka({"--compile", "/no/such/file"}).output, "cannot read /no/such/file\n");
     const std::string latin1 = file("latin1.zenka", "# caf\xE9\n");
     EXPECT_EQ(zenka({"--compile", latin1}).output, "cannot read " + latin1 + "\n");
+}
+
+TEST_F(Switches, analyzeComparesACardWithAScript) {
+    const std::string script =
+        file("plan.zenka", "TAKEPIC,C2,+,00:01,CAM1,1/500,8.0,100,0,RAW,None,N,one\n"
+                           "TAKEPIC,C2,+,00:03,CAM1,1/250,8.0,100,0,RAW,None,N,two\n"
+                           "TAKEPIC,C2,+,00:05,CAM1,1/125,8.0,100,0,RAW,None,N,three\n");
+    const auto shot = [&](const std::string& name, const std::string& date, unsigned shutter) {
+        zenka::test::writeFile(home / "my card/DCIM" / name,
+                               zenka::test::jpegFile({.date = date,
+                                                      .subSec = "250",
+                                                      .iso = 100,
+                                                      .fNumber = {8, 1},
+                                                      .exposureTime = {1, shutter}}));
+    };
+    shot("early.jpg", "2024:04:08 11:00:00", 500);
+    shot("<img src=x onerror=alert(1)>.jpg", "2024:04:08 13:00:00", 500);
+    shot("b.jpg", "2024:04:08 13:00:02", 250);
+    const fs::path report = "/tmp/zenka_analyzer_cli.html";
+    fs::remove(report);
+    const Result result = zenka({"--analyze", script, (home / "my card").string() + "/"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "ANALYZE plan.zenka  vs  my card\n"
+                             "  card frames: 3  | isolated run: 2  | expected: 3\n"
+                             "  PASS=false  count 2/3  ISO 2/2  F 2/2  shutter 2/2\n"
+                             "  jitter mean ±0ms max ±0ms over 1 intervals  | duration 00m 02s\n"
+                             "  mismatches: 1\n"
+                             "    three: 0/1 landed\n"
+                             "  [html -> /tmp/zenka_analyzer_cli.html]\n");
+    EXPECT_TRUE(fs::exists(report));
+    EXPECT_EQ(zenka({"--analyze", "/no/such/file", home}).output, "cannot read /no/such/file\n");
+    EXPECT_THAT(
+        zenka({"--analyze", file("empty.zenka", ""), "/no/such/card"}).output,
+        testing::AllOf(testing::HasSubstr("PASS=false  count 0/0"), testing::HasSubstr("duration ?")));
 }
 
 TEST_F(Switches, usbNamesPrintsWhatIsPluggedInAndUsbHoldersWhoHasItOpen) {
