@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 using namespace zenka;
 using namespace zenka::analysis;
 using namespace zenka::analysis::RunLogTables;
@@ -42,6 +45,20 @@ TEST(RunLogTables, whatTheRunWroteIsReadBack) {
 TEST(RunLogTables, aShotThatSucceededInTheEndIsGood) {
     EXPECT_EQ(verdict(head() + row(1, "dropped") + row(1, "ok") + row(2, "ok") + row(2, "dropped")),
               (SoftwareOK{{100, true}, {200, true}}));
+}
+
+TEST(RunLogTables, aLogWithAFaultGivesWhatIsSoundOfIt) {
+    const SoftwareOK sound{{100, true}, {200, false}};
+    const std::map<std::string, SoftwareOK> logs{
+        {"killed.csv", sound},        {"quoted.csv", sound},       {"unclosed-quote.csv", sound},
+        {"crlf.csv", sound},          {"other-camera.csv", sound}, {"no-header.csv", {}},
+        {"no-result-column.csv", {}}, {"empty.csv", {}},
+    };
+    for (const auto& [name, expected] : logs) {
+        std::ifstream file(ZENKA_SOURCE_DIR "/tests/data/run-logs/" + name, std::ios::binary);
+        ASSERT_TRUE(file) << name;
+        EXPECT_EQ(verdict({std::istreambuf_iterator<char>(file), {}}), expected) << name;
+    }
 }
 
 TEST(RunLogTables, aDamagedRowCostsThatRowOnly) {

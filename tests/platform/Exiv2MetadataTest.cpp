@@ -1,6 +1,8 @@
 #include "platform/Exiv2Metadata.h"
 
+#include "analysis/ExifReader.h"
 #include "platform/LazyFile.h"
+#include "platform/ThreadWorkQueues.h"
 #include "support/ImageFiles.h"
 #include "support/TempFolder.h"
 
@@ -10,6 +12,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <mutex>
 #include <random>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -164,6 +167,23 @@ TEST_F(Exiv2MetadataTest, ofAFileWithAFaultNothingIsReadThatItDoesNotSay) {
         const std::string date = fields ? fields->dateTimeOriginal.value_or("") : "";
         EXPECT_TRUE(date.empty() || date == "0000:00:00 00:00:00" || date == shot.date) << file.path();
     }
+}
+
+TEST_F(Exiv2MetadataTest, aCardThatIsPulledWhileItIsReadGivesWhatWasReadBefore) {
+    for (int i = 0; i < 300; ++i)
+        put("DCIM/" + std::to_string(i % 5) + "/IMG" + std::to_string(i) + ".JPG", test::jpegFile(shot));
+    platform::ThreadWorkQueues queues;
+    analysis::ExifReader reader(metadata, queues, absl::UTCTimeZone());
+    std::once_flag pulled;
+    const auto frames =
+        reader.read(root.path(), {.progress = [&](int read, int) {
+                        if (read >= 100)
+                            std::call_once(pulled, [&] { fs::remove_all(root.path() / "DCIM"); });
+                    }});
+    EXPECT_GE(frames.size(), 100U);
+    EXPECT_LT(frames.size(), 300U);
+    EXPECT_EQ(frames.size() + static_cast<std::size_t>(reader.lastUnreadable()), 300U);
+    EXPECT_TRUE(reader.read(root.path()).empty());
 }
 
 TEST_F(Exiv2MetadataTest, damagedFilesReadAtTheSameTimeEndTheProgramNever) {
