@@ -174,6 +174,14 @@ std::optional<std::string> either(std::optional<std::string> one, std::optional<
     return one ? std::move(one) : std::move(other);
 }
 
+// Exiv2 0.27 takes and gives no other pointer.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+Exiv2::Image::AutoPtr opened(LazyFile& file) {
+    return Exiv2::ImageFactory::open(Exiv2::BasicIo::AutoPtr(new LazyIo(file)));
+}
+#pragma GCC diagnostic pop
+
 /// A damaged end does not cost what was read before it.
 void readWhatCanBe(Exiv2::Image& image) {
     try {
@@ -218,7 +226,7 @@ std::optional<ports::ImageFields> Exiv2Metadata::fieldsOf(LazyFile& file) {
             return std::nullopt;
         if (base::TiffBytes::in(file.bytes()) && !fetchTiff(file))
             return std::nullopt;
-        const auto image = Exiv2::ImageFactory::open(Exiv2::BasicIo::AutoPtr(new LazyIo(file)));
+        const auto image = opened(file);
         if (!image.get())
             return std::nullopt;
         readWhatCanBe(*image);

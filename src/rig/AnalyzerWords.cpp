@@ -38,6 +38,7 @@ std::vector<std::string> commonestSkipped(const analysis::ExifReader& reader, st
     std::ranges::stable_sort(skipped, std::ranges::greater(), &std::pair<std::string, int>::second);
     skipped.resize(std::min(skipped.size(), most));
     std::vector<std::string> words;
+    words.reserve(skipped.size());
     for (const auto& [extension, count] : skipped)
         words.push_back(absl::StrFormat("%s ×%d", extension, count));
     return words;
@@ -91,6 +92,10 @@ AnalyzerState noScript() {
     return {.step = Step::message,
             .title = "No script loaded",
             .text = "Load or generate a capture script first, then run the analyzer against your SD card."};
+}
+
+AnalyzerState lookingForCards() {
+    return {.step = Step::working, .title = "Simulation Analyzer", .text = "Looking for a card…"};
 }
 
 AnalyzerState noCard() {

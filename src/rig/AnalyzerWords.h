@@ -20,6 +20,7 @@ AnalyzerState offer(const std::optional<RunSummary>& run);
 AnalyzerState runEnded(const std::optional<RunSummary>& run);
 AnalyzerState liveRun();
 AnalyzerState noScript();
+AnalyzerState lookingForCards();
 AnalyzerState noCard();
 AnalyzerState whichCard(const CardWatch::Cards& cards);
 AnalyzerState whichCamera(const std::string& model, const script::CapturesByToken& script);

@@ -173,8 +173,12 @@ bool RunAnalyzer::refused() {
 void RunAnalyzer::analyzeRun() {
     if (refused())
         return;
-    state_.set({});
-    cards_.look(lifeline_.guard([this](const CardWatch::Cards& found) { cardsFound(found); }));
+    job_.reset();
+    state_.set(AnalyzerWords::lookingForCards());
+    cards_.look(lifeline_.guard([this](const CardWatch::Cards& found) {
+        if (state_.get().step == Step::working && !job_)
+            cardsFound(found);
+    }));
 }
 
 void RunAnalyzer::analyzeFolder(const std::filesystem::path& folder) {
@@ -183,8 +187,6 @@ void RunAnalyzer::analyzeFolder(const std::filesystem::path& folder) {
 }
 
 void RunAnalyzer::cardsFound(const CardWatch::Cards& found) {
-    if (refused())
-        return;
     if (found.empty()) {
         state_.set(AnalyzerWords::noCard());
     } else if (found.size() == 1) {

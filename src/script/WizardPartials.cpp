@@ -113,9 +113,10 @@ void Side::heading() {
 }
 
 void Side::single(std::string_view key, char sign, double seconds, const std::string& note) {
-    const auto contact = plan_.sky.contactSec(key);
     const double away = sign == '-' ? -seconds : seconds;
-    const auto atSec = contact ? std::optional(*contact + away) : std::nullopt;
+    std::optional<double> atSec = plan_.sky.contactSec(key);
+    if (atSec)
+        *atSec += away;
     if (!plan_.sky.shows(key, away)) {
         lines_.push_back("# " + note + " omitted: the Sun is below the horizon then.");
         return;

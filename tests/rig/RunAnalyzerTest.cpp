@@ -170,6 +170,11 @@ TEST_F(RunAnalyzerTest, whatOnlyTheUserCanKnowIsAsked) {
 TEST_F(RunAnalyzerTest, anAnalysisThatIsGivenUpLeavesNothing) {
     loadScript();
     rig.volumes.plug(fullCard("A"));
+    analyzer.analyzeRun();
+    EXPECT_EQ(state().step, Step::working);
+    analyzer.cancel();
+    rig.run(1);
+    EXPECT_EQ(state().step, Step::idle);
     analyzer.analyzeFolder(root.path() / "A");
     ASSERT_EQ(state().step, Step::working);
     analyzer.analyzeRun(); // one at a time
