@@ -95,7 +95,7 @@ AnalyzerState noScript() {
 }
 
 AnalyzerState lookingForCards() {
-    return {.step = Step::working, .title = "Simulation Analyzer", .text = "Looking for a card…"};
+    return {.step = Step::working, .text = "Looking for a card…"};
 }
 
 AnalyzerState noCard() {

@@ -1,12 +1,12 @@
 #include "ui/CommandList.h"
 
 #include "rig/RigModel.h"
+#include "ui/AnalyzerView.h"
 #include "ui/AppView.h"
 #include "ui/Commands.h"
 #include "ui/EditTarget.h"
 #include "ui/Theme.h"
 
-#include <QDesktopServices>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QUrl>
@@ -85,7 +85,8 @@ void addEdit(Commands& commands, EditTarget& edit) {
 } // namespace
 
 void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme& theme, EditTarget& edit,
-                     const std::function<QQuickWindow*()>& window, const QString& runLogs) {
+                     AnalyzerView& analyzer, const std::function<QQuickWindow*()>& window,
+                     const std::function<void(const QUrl&)>& open, const QString& runLogs) {
     const auto sheet = [&app](const char* name) {
         return [&app, name] { app.openSheet(QString::fromLatin1(name)); };
     };
@@ -162,8 +163,10 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
     Menu(commands, "Tools")
         .add("gapProfiler", "Camera Gap Profiler…", "Ctrl+G", sheet("GapProfiler"))
         .add("cameraProfiler", "Camera Profiler…", "Ctrl+R", sheet("CameraProfiler"))
-        .add("revealRunLogs", "Reveal Run Logs", "",
-             [runLogs] { QDesktopServices::openUrl(QUrl::fromLocalFile(runLogs)); });
+        .add(
+            "analyzer", "Simulation Analyzer…", "Ctrl+Shift+A", [&analyzer] { analyzer.analyze(); },
+            simulated)
+        .add("revealRunLogs", "Reveal Run Logs", "", [open, runLogs] { open(QUrl::fromLocalFile(runLogs)); });
 
     Menu(commands, "Window")
         .add("openMenu", "Menu", "F10", [&app] { Q_EMIT app.menuWanted(); })

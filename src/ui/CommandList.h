@@ -4,6 +4,7 @@
 
 class QQuickWindow;
 class QString;
+class QUrl;
 
 namespace zenka::rig {
 class RigModel;
@@ -11,14 +12,16 @@ class RigModel;
 
 namespace zenka::ui {
 
+class AnalyzerView;
 class AppView;
 class Commands;
 class EditTarget;
 class Theme;
 
 /// Declares every command and shortcut of the program, in the order of the menus. The window is there when
-/// the first command is triggered.
+/// the first command is triggered; `open` opens what is outside of it.
 void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme& theme, EditTarget& edit,
-                     const std::function<QQuickWindow*()>& window, const QString& runLogs);
+                     AnalyzerView& analyzer, const std::function<QQuickWindow*()>& window,
+                     const std::function<void(const QUrl&)>& open, const QString& runLogs);
 
 } // namespace zenka::ui

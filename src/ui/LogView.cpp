@@ -21,7 +21,7 @@ struct Mark {
 
 /// The first words or signs of the lines of the rig. Signs that fonts draw as coloured pictures have a plain
 /// shape here: at night no other colour than red may be on the screen.
-constexpr std::array<Mark, 19> marks{{{"⚠️ DROPPED", "▲", "dropped"},
+constexpr std::array<Mark, 20> marks{{{"⚠️ DROPPED", "▲", "dropped"},
                                       {"⏭ SKIPPED", "»", "skipped"},
                                       {"⏭", "»", "skipped"},
                                       {"⚠️", "⚠", "warning"},
@@ -35,6 +35,7 @@ constexpr std::array<Mark, 19> marks{{{"⚠️ DROPPED", "▲", "dropped"},
                                       {"☕︎", "☼", "awake"},
                                       {"📅", "▣", "eclipse day"},
                                       {"📝", "✎", "run log"},
+                                      {"💾", "▤", "card"},
                                       {"🛑", "■", "warning"},
                                       {"✅", "✓", "good"},
                                       {"🔌", "↻", "run"},

@@ -2,6 +2,7 @@
 
 #include "ports/Ports.h"
 #include "rig/RigModel.h"
+#include "ui/AnalyzerView.h"
 #include "ui/AppView.h"
 #include "ui/ArmView.h"
 #include "ui/BodyList.h"
@@ -33,6 +34,7 @@
 #include "ui/WizardView.h"
 #include "ui/WorldMapItem.h"
 
+#include <QDesktopServices>
 #include <QDir>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
@@ -49,13 +51,15 @@ static void initResources() {
 namespace zenka::ui {
 
 Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& version)
-    : rig_(rig), app_(new AppView(rig, version, this)), commands_(new Commands(this)),
-      edit_(new EditTarget(this)), engine_(new QQmlApplicationEngine) {
+    : rig_(rig), openUrl_(QDesktopServices::openUrl), app_(new AppView(rig, version, this)),
+      commands_(new Commands(this)), edit_(new EditTarget(this)), engine_(new QQmlApplicationEngine) {
     initResources();
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     theme_ = new Theme(ports.settings, this);
+    const auto open = [this](const QUrl& address) { openUrl_(address); };
+    auto* analyzer = new AnalyzerView(rig, *app_, open, this);
     declareCommands(
-        *commands_, rig, *app_, *theme_, *edit_, [this] { return quickWindow(); },
+        *commands_, rig, *app_, *theme_, *edit_, *analyzer, [this] { return quickWindow(); }, open,
         QString::fromStdString(ports.folders.runLogs().string()));
     new NightSwitch(rig, *theme_, this);
     new NightPointer(*theme_, this);
@@ -95,6 +99,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     context.setContextProperty(QStringLiteral("cameraProfiler"), new CameraProfilerView(rig, this));
     context.setContextProperty(QStringLiteral("dropExplainer"),
                                new CadenceAlertView(rig, *app_, *gapProfiler, this));
+    context.setContextProperty(QStringLiteral("analyzer"), analyzer);
     context.setContextProperty(QStringLiteral("library"), new LibraryView(rig, this));
     context.setContextProperty(QStringLiteral("compensation"), new CompensationView(rig, this));
     context.setContextProperty(QStringLiteral("compRules"), new CompRulesView(rig, this));

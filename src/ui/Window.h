@@ -2,8 +2,12 @@
 
 #include <QObject>
 
+#include <functional>
+#include <utility>
+
 class QQmlApplicationEngine;
 class QQuickWindow;
+class QUrl;
 
 namespace zenka::rig {
 class RigModel;
@@ -37,11 +41,14 @@ public:
     Commands& commands() { return *commands_; }
     AppView& app() { return *app_; }
     Theme& theme() { return *theme_; }
+    /// What opens reports and folders; the desktop's own programs at first.
+    void setOpenUrl(std::function<void(const QUrl&)> open) { openUrl_ = std::move(open); }
     /// The sheets that there are, by name.
     static QStringList sheets();
 
 private:
     rig::RigModel& rig_;
+    std::function<void(const QUrl&)> openUrl_;
     AppView* app_ = nullptr;
     Commands* commands_ = nullptr;
     EditTarget* edit_ = nullptr;

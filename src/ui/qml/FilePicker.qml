@@ -4,11 +4,14 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Qt.labs.folderlistmodel
 
-// Asks for a file, in the colours of the theme.
+// Asks for a file or a folder, in the colours of the theme.
 Popup {
     id: picker
     property string title
     property bool saving: false
+    property bool choosesFolder: false // the one whose content is shown
+    property string emptyText: "No script in this folder."
+    property string takeText: asking ? "Replace" : saving ? "Save" : "Open"
     property var nameFilters: []
     property string suffix
     property url currentFolder
@@ -16,7 +19,7 @@ Popup {
     property url replacing // a file that is there already, which the user has been asked about
     signal accepted()
 
-    readonly property url wanted: script.fileIn(files.folder, nameField.text, saving ? suffix : "")
+    readonly property url wanted: choosesFolder ? files.folder : script.fileIn(files.folder, nameField.text, saving ? suffix : "")
     readonly property bool asking: String(replacing) !== "" && String(replacing) === String(wanted)
     function choose(index) {
         if (files.isFolder(index)) {
@@ -66,6 +69,7 @@ Popup {
     FolderListModel {
         id: files
         nameFilters: picker.nameFilters
+        showFiles: !picker.choosesFolder
         showDirsFirst: true
         showOnlyReadable: !picker.saving
         caseSensitive: false
@@ -130,7 +134,7 @@ Popup {
             ZLabel {
                 x: 10; y: 8
                 visible: files.status === FolderListModel.Ready && files.count === 0
-                text: "No script in this folder."
+                text: picker.emptyText
                 color: theme.quiet
             }
         }
@@ -139,13 +143,15 @@ Popup {
             spacing: 8
             ZField {
                 id: nameField
+                visible: !picker.choosesFolder
                 Layout.fillWidth: true
                 placeholderText: "File name"
                 Accessible.name: "File name"
                 onAccepted: picker.take()
             }
+            Item { visible: picker.choosesFolder; Layout.fillWidth: true }
             ZButton {
-                text: picker.asking ? "Replace" : picker.saving ? "Save" : "Open"
+                text: picker.takeText
                 strong: true
                 enabled: String(picker.wanted) !== ""
                 onClicked: picker.take()

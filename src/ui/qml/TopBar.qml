@@ -120,6 +120,17 @@ Rectangle {
                 HoverHandler { id: over; enabled: over.parent.x > 0 }
             }
         }
+        ZButton {
+            id: cardChip
+            objectName: "cardChip"
+            visible: chips.cards !== ""
+            Layout.maximumWidth: 190 * theme.scale // a longer name stands in the tip
+            text: "▤ " + (bar.room > 1200 ? chips.cards : chips.cardsBrief)
+            onClicked: commands.trigger("analyzer")
+            Accessible.name: chips.cards
+            Accessible.description: chips.cardsWords
+            ZTip { visible: cardChip.hovered && cardChip.x > 0; text: chips.cardsWords }
+        }
         Text {
             text: clock.siteTime + " " + clock.zoneName
             color: theme.text
