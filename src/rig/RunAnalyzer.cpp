@@ -309,8 +309,11 @@ void RunAnalyzer::keepLocal() {
 
 void RunAnalyzer::work(const std::string& title, const std::string& text, void (*part)(Job&),
                        void (RunAnalyzer::*then)()) {
+    const auto job = job_;
     state_.set({.step = Step::working, .title = title, .text = text});
-    queue_->post([job = job_, part, &loop = ports_.loop, arrive = lifeline_.guard([this, job = job_, then] {
+    if (job != job_)
+        return; // who heard of it has given it up
+    queue_->post([job, part, &loop = ports_.loop, arrive = lifeline_.guard([this, job, then] {
         if (job == job_)
             (this->*then)();
     })] {

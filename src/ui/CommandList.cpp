@@ -185,6 +185,8 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("openWizardGuide", "Script Wizard", "", guide("Script Wizard", "script-wizard.md"))
         .add("openCameras", "Cameras", "", guide("Cameras", "cameras.md"))
         .add("openCameraTiming", "Camera Timing", "", guide("Camera Timing", "camera-timing.md"))
+        .add("openRunAnalysis", "What Reached the Card", "",
+             guide("What Reached the Card", "run-analysis.md"))
         .add("openFeatures", "Features & Roadmap", "", guide("Features & Roadmap", "roadmap.md"))
         .add("showKeys", "Keys", "F1", [&app, window] { app.openKeys(keysOf(window()->activeFocusItem())); });
 }

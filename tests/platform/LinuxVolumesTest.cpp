@@ -25,6 +25,21 @@ TEST(LinuxVolumes, theFoldersBelowTheDesktopsMountRootsAreVolumes) {
                                                         root.path() / "mnt/card", root.path() / "mnt/link"));
 }
 
+TEST(LinuxVolumes, networkDrivesAreNotLookedAt) {
+    const test::TempFolder root;
+    for (const char* name : {"my card", "my server", "back\\slash"})
+        fs::create_directories(root.path() / name);
+    const fs::path table = root.path() / "table";
+    const std::string there = root.path().parent_path().string() + "/zenka\\040o'test\\040" +
+                              root.path().filename().string().substr(std::string("zenka o'test ").size());
+    std::ofstream(table) << "36 35 8:1 / " << there << "/my\\040card rw shared:1 - vfat /dev/sdb1 rw\n"
+                         << "37 35 0:45 / " << there << "/my\\040server rw - nfs4 host:/x rw\n"
+                         << "38 35 0:46 / " << there << "/back\\134slash rw - cifs //host/x rw\n"
+                         << "a line that is none\n39 35 0:47 / -\n";
+    platform::LinuxVolumes volumes({root.path()}, table);
+    EXPECT_THAT(volumes.mounted(), UnorderedElementsAre(root.path() / "my card"));
+}
+
 TEST(LinuxVolumes, aVolumeThatComesOrGoesIsTold) {
     const test::TempFolder root;
     const fs::path card = root.path() / "CARD";
