@@ -45,7 +45,7 @@ std::vector<std::string> commonestSkipped(const analysis::ExifReader& reader, st
 }
 
 /// What of the card went into no count, as a sentence; empty for nothing.
-std::string skippedOf(const analysis::ExifReader& reader, std::size_t logsBeside) {
+std::string skippedOf(const analysis::ExifReader& reader, const RunLogLibrary::Match& logs) {
     std::vector<std::string> parts;
     if (const int images = reader.lastUnreadable())
         parts.push_back(absl::StrFormat("%d %s damaged or without a time", images,
@@ -55,9 +55,12 @@ std::string skippedOf(const analysis::ExifReader& reader, std::size_t logsBeside
                                         folders == 1 ? "folder" : "folders"));
     if (const auto others = commonestSkipped(reader, 4); !others.empty())
         parts.push_back("files that are no images: " + joined(others));
-    if (logsBeside > 0)
-        parts.push_back(absl::StrFormat("%d other run %s of the same shots", logsBeside,
-                                        logsBeside == 1 ? "log" : "logs"));
+    if (const std::size_t others = logs.others.size())
+        parts.push_back(
+            absl::StrFormat("%d other run %s of the same shots", others, others == 1 ? "log" : "logs"));
+    if (logs.unreadable > 0)
+        parts.push_back(absl::StrFormat("%d run %s that could not be read", logs.unreadable,
+                                        logs.unreadable == 1 ? "log" : "logs"));
     return parts.empty() ? std::string() : "Left out: " + joined(parts, "; ") + ".";
 }
 
@@ -147,7 +150,7 @@ AnalyzerState whichRun(const std::vector<std::vector<analysis::ExifFrame>>& runs
 }
 
 AnalyzerState verdict(const analysis::AnalysisResult& result, const analysis::ExifReader& reader,
-                      std::size_t logsBeside, bool written) {
+                      const RunLogLibrary::Match& logs, bool written) {
     std::string text =
         absl::StrFormat("%d landed · %d dropped · %d at a rounded ISO (◐ yellow, still saved)\n",
                         result.matched, result.missing(), result.nearMiss);
@@ -159,7 +162,7 @@ AnalyzerState verdict(const analysis::AnalysisResult& result, const analysis::Ex
                 " — LUMIX rounds 1/3-stop ISOs to the nearest whole stop; ≤1/3 stop, not a drop.\n";
     text += absl::StrFormat("Firing jitter ±%.0f ms (max %.0f ms) · duration %s\n", result.jitterMeanMs,
                             result.jitterMaxMs, result.durationStr());
-    if (const std::string skipped = skippedOf(reader, logsBeside); !skipped.empty())
+    if (const std::string skipped = skippedOf(reader, logs); !skipped.empty())
         text += skipped + "\n";
     text += written
                 ? "The report opened in your browser. Add an optional note (what you were testing, anything "

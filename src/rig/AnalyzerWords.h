@@ -2,6 +2,7 @@
 
 #include "analysis/ExifReader.h"
 #include "rig/RunAnalyzer.h"
+#include "rig/RunLogLibrary.h"
 #include "script/ZenkaScript.h"
 
 #include <absl/time/time.h>
@@ -28,7 +29,7 @@ AnalyzerState whichCamera(const std::string& model, const script::CapturesByToke
 AnalyzerState whichRun(const std::vector<std::vector<analysis::ExifFrame>>& runs, int expected,
                        const absl::TimeZone& zone);
 AnalyzerState verdict(const analysis::AnalysisResult& result, const analysis::ExifReader& reader,
-                      std::size_t logsBeside, bool written);
+                      const RunLogLibrary::Match& logs, bool written);
 
 /// Why a card without a readable image has none; empty for an empty one.
 std::string nothingReadable(const analysis::ExifReader& reader);

@@ -57,7 +57,7 @@ struct RunAnalyzer::Job {
     std::vector<std::vector<analysis::ExifFrame>> segments;
     int cardFrames = 0;      ///< of all runs
     std::size_t segment = 0; ///< that is compared
-    std::size_t logsBeside = 0;
+    RunLogLibrary::Match logs;
 
     analysis::AnalysisResult result;
     std::string html;
@@ -89,10 +89,8 @@ struct RunAnalyzer::Job {
     void compare() {
         const auto frames = segments.empty() ? std::vector<analysis::ExifFrame>() : segments[segment];
         std::vector<script::Capture> expected = captures();
-        RunLogLibrary logs(ports.files, ports.folders.runLogs());
-        const auto found = logs.match(camera, expected, cancelled);
-        const auto& log = found.best;
-        logsBeside = found.others.size();
+        logs = RunLogLibrary(ports.files, ports.folders.runLogs()).match(camera, expected, cancelled);
+        const auto& log = logs.best;
         if (log)
             expected = analysis::RunLogTables::withLogged(std::move(expected), log->compensated);
         result = analysis::RunAnalysis::compare(
@@ -252,7 +250,7 @@ void RunAnalyzer::conclude() {
     if (!job.written)
         log_.pushLog("⚠️ Analyzer: the report could not be written to " + job.report.string() +
                      ". Is the disk full, or the folder not yours?");
-    AnalyzerState verdict = AnalyzerWords::verdict(job.result, job.reader, job.logsBeside, job.written);
+    AnalyzerState verdict = AnalyzerWords::verdict(job.result, job.reader, job.logs, job.written);
     verdict.report = job.written ? job.report : std::filesystem::path();
     log_.pushLog(
         absl::StrFormat("%s, %d of %d landed.", verdict.title, job.result.matched, job.result.expectedTotal));

@@ -27,13 +27,16 @@ RunLogLibrary::Match RunLogLibrary::match(const std::string& camera,
     std::erase_if(names, [](const std::string& name) { return !name.ends_with(".csv"); });
     std::ranges::stable_sort(names, std::ranges::greater(), begunOf);
     analysis::RunLogMatcher matcher(camera, captures);
+    int unreadable = 0;
     for (const std::string& name : names) {
         if (cancelled)
             return {};
         if (const auto csv = files_.read(folder_ / name))
             matcher.look(name, *csv);
+        else
+            ++unreadable;
     }
-    return {.best = matcher.best(), .others = matcher.others()};
+    return {.best = matcher.best(), .others = matcher.others(), .unreadable = unreadable};
 }
 
 } // namespace zenka::rig

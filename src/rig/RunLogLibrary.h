@@ -19,6 +19,7 @@ public:
     struct Match {
         std::optional<analysis::MatchedLog> best;
         std::vector<std::string> others; ///< logs that know some of the captures as well
+        int unreadable = 0;              ///< logs that the disk did not give
     };
     /// The log that knows most of a camera's captures, the newest of equals. One that cannot be read is
     /// passed over.
