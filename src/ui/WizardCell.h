@@ -4,6 +4,9 @@
 
 #include <QObject>
 #include <QString>
+#include <QVariantList>
+
+#include <vector>
 
 namespace zenka::ui {
 
@@ -70,5 +73,9 @@ private:
     const WizardForm::Field& field_;
     State state_;
 };
+
+/// Makes a cell for each field, and gives the form as it is laid out: maps of title and rows, a row a map of
+/// name and cells.
+QVariantList makeWizardSections(std::vector<WizardCell*>& cells, QObject* parent);
 
 } // namespace zenka::ui

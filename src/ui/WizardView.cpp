@@ -39,7 +39,7 @@ double roundedUp(double seconds) {
 
 WizardView::WizardView(rig::RigModel& rig, const ports::Ports& ports, QObject* parent)
     : QObject(parent), rig_(rig), ports_(ports) {
-    makeSections();
+    sections_ = makeWizardSections(cells_, this);
     const auto stored = ports.settings.text(answersKey);
     answers_ = decodeWizardAnswers(stored.value_or(""));
     const auto again = [this](const auto&...) {
@@ -62,33 +62,6 @@ WizardView::WizardView(rig::RigModel& rig, const ports::Ports& ports, QObject* p
 
 void WizardView::registerTypes() {
     WizardTimeline::registerTypes();
-}
-
-void WizardView::makeSections() {
-    for (const WizardForm::Section section : WizardForm::sections) {
-        QVariantList rows;
-        QVariantMap row;
-        QVariantList cells;
-        const auto close = [&] {
-            if (!cells.isEmpty())
-                rows.append(QVariantMap{{QStringLiteral("name"), row[QStringLiteral("name")]},
-                                        {QStringLiteral("cells"), cells}});
-            cells.clear();
-        };
-        for (const WizardForm::Field& field : WizardForm::fields()) {
-            if (field.section != section)
-                continue;
-            if (field.row) {
-                close();
-                row[QStringLiteral("name")] = QString::fromUtf8(field.row);
-            }
-            cells_.push_back(new WizardCell(field, this));
-            cells.append(QVariant::fromValue<QObject*>(cells_.back()));
-        }
-        close();
-        sections_.append(QVariantMap{{QStringLiteral("title"), QString::fromUtf8(WizardForm::title(section))},
-                                     {QStringLiteral("rows"), rows}});
-    }
 }
 
 void WizardView::takeNames() {

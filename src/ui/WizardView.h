@@ -146,7 +146,6 @@ private:
     };
     using Key = std::pair<std::string, std::string>; ///< camera of the plan, id of the field
 
-    void makeSections();
     void takeNames();
     script::WizardChoices& plan();
     const script::WizardChoices& plan() const;
