@@ -51,18 +51,19 @@ std::vector<std::vector<ExifFrame>> segments(std::vector<ExifFrame> frames) {
     return runs;
 }
 
-std::vector<ExifFrame> bestSegment(const std::vector<ExifFrame>& frames, int expected) {
-    std::vector<ExifFrame> best;
-    std::ptrdiff_t bestDistance = 0;
-    // Each run ends later than the one before it.
-    for (std::vector<ExifFrame>& run : segments(frames)) {
-        const std::ptrdiff_t distance = std::abs(std::ssize(run) - expected);
-        if (!best.empty() && distance > bestDistance)
-            continue;
-        best = std::move(run);
-        bestDistance = distance;
+std::size_t nearestRun(const std::vector<std::vector<ExifFrame>>& runs, int expected) {
+    const auto distance = [&](std::size_t run) { return std::abs(std::ssize(runs[run]) - expected); };
+    std::size_t nearest = 0;
+    for (std::size_t run = 1; run < runs.size(); ++run) {
+        if (distance(run) <= distance(nearest)) // each run ends later than the one before it
+            nearest = run;
     }
-    return best;
+    return nearest;
+}
+
+std::vector<ExifFrame> bestSegment(const std::vector<ExifFrame>& frames, int expected) {
+    auto runs = segments(frames);
+    return runs.empty() ? std::vector<ExifFrame>() : std::move(runs[nearestRun(runs, expected)]);
 }
 
 std::string shutterText(double sec) {

@@ -24,7 +24,11 @@ int timeKey(double offsetSec);
 /// The runs of a card: frames more than 300 s apart belong to two. Sorted by date.
 std::vector<std::vector<ExifFrame>> segments(std::vector<ExifFrame> frames);
 
-/// The run whose number of frames is nearest to what was planned, the later of equals; empty without any.
+/// The index of the run whose number of frames is nearest to what was planned, the later of equals. At least
+/// one run.
+std::size_t nearestRun(const std::vector<std::vector<ExifFrame>>& runs, int expected);
+
+/// That run of a card; empty without any frame.
 std::vector<ExifFrame> bestSegment(const std::vector<ExifFrame>& frames, int expected);
 
 /// A shutter as a card says it: "1/500", "2s", "1.3s", "0.7s"; "-" for 0 or less.

@@ -151,6 +151,22 @@ std::optional<std::string> utf8Text(std::string_view bytes) {
     return std::string(bytes);
 }
 
+std::string joined(const std::vector<std::string>& items, std::string_view separator) {
+    std::string text;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (i > 0)
+            text += separator;
+        text += items[i];
+    }
+    return text;
+}
+
+std::string counted(std::int64_t count, std::string_view word) {
+    std::string text = std::to_string(count) + ' ';
+    text += word;
+    return count == 1 ? text : text + 's';
+}
+
 std::string replacedAll(std::string_view text, std::string_view what, std::string_view with) {
     std::string result;
     while (true) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,6 +44,12 @@ std::vector<std::string_view> splitPieces(std::string_view text, char separator)
 
 /// The bytes of a text file as UTF-8 text, without a byte order mark; nothing when they are no UTF-8.
 std::optional<std::string> utf8Text(std::string_view bytes);
+
+/// The items with a separator between them: "a, b".
+std::string joined(const std::vector<std::string>& items, std::string_view separator = ", ");
+
+/// "1 frame", "2 frames", "0 frames".
+std::string counted(std::int64_t count, std::string_view word);
 
 std::string replacedAll(std::string_view text, std::string_view what, std::string_view with);
 

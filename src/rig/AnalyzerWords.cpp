@@ -2,6 +2,7 @@
 
 #include "analysis/RunAnalysis.h"
 #include "base/CivilTime.h"
+#include "base/Text.h"
 
 #include <absl/strings/str_format.h>
 
@@ -17,18 +18,11 @@ using Step = AnalyzerState::Step;
 std::string summaryOf(const std::optional<RunSummary>& run) {
     if (!run)
         return {};
-    std::string words = absl::StrFormat("%d %s fired, %d dropped.", run->frames,
-                                        run->frames == 1 ? "frame" : "frames", run->dropped);
+    std::string words =
+        absl::StrFormat("%s fired, %d dropped.", base::counted(run->frames, "frame"), run->dropped);
     if (run->asymmetry)
         words += " " + *run->asymmetry;
     return words;
-}
-
-std::string joined(const std::vector<std::string>& parts, const std::string& between = ", ") {
-    std::string text;
-    for (const std::string& part : parts)
-        text += (text.empty() ? "" : between) + part;
-    return text;
 }
 
 /// The commonest first, "mov ×12".
@@ -48,37 +42,35 @@ std::vector<std::string> commonestSkipped(const analysis::ExifReader& reader, st
 std::string skippedOf(const analysis::ExifReader& reader, const RunLogLibrary::Match& logs) {
     std::vector<std::string> parts;
     if (const int images = reader.lastUnreadable())
-        parts.push_back(absl::StrFormat("%d %s damaged or without a time", images,
-                                        images == 1 ? "image that is" : "images that are"));
+        parts.push_back(base::counted(images, "image") + (images == 1 ? " that is" : " that are") +
+                        " damaged or without a time");
     if (const int folders = reader.lastUnreadableFolders())
-        parts.push_back(absl::StrFormat("%d %s that could not be read to the end", folders,
-                                        folders == 1 ? "folder" : "folders"));
+        parts.push_back(base::counted(folders, "folder") + " that could not be read to the end");
     if (const auto others = commonestSkipped(reader, 4); !others.empty())
-        parts.push_back("files that are no images: " + joined(others));
-    if (const std::size_t others = logs.others.size())
-        parts.push_back(
-            absl::StrFormat("%d other run %s of the same shots", others, others == 1 ? "log" : "logs"));
+        parts.push_back("files that are no images: " + base::joined(others));
+    if (!logs.others.empty())
+        parts.push_back(base::counted(std::ssize(logs.others), "other run log") + " of the same shots");
     if (logs.unreadable > 0)
-        parts.push_back(absl::StrFormat("%d run %s that could not be read", logs.unreadable,
-                                        logs.unreadable == 1 ? "log" : "logs"));
-    return parts.empty() ? std::string() : "Left out: " + joined(parts, "; ") + ".";
+        parts.push_back(base::counted(logs.unreadable, "run log") + " that could not be read");
+    return parts.empty() ? std::string() : "Left out: " + base::joined(parts, "; ") + ".";
 }
 
 } // namespace
 
 AnalyzerState offer(const std::optional<RunSummary>& run) {
     return {.step = Step::offer,
+            .unasked = true,
             .summary = summaryOf(run),
             .title = "Check what actually landed?",
             .text =
                 "The Simulation Analyzer reads each RAW's real EXIF off the card in your reader and "
                 "compares it to the script — ISO, aperture, shutter, and firing time — so you see exactly "
-                "which planned frames landed and whether the exposures are right. Takes a few seconds.",
-            .choices = {"Analyze"}};
+                "which planned frames landed and whether the exposures are right. Takes a few seconds."};
 }
 
 AnalyzerState runEnded(const std::optional<RunSummary>& run) {
     return {.step = Step::message,
+            .unasked = true,
             .summary = summaryOf(run),
             .title = "Run complete",
             .text = "Put a camera's card into a reader, and the Simulation Analyzer offers to check what "
@@ -135,17 +127,11 @@ AnalyzerState whichRun(const std::vector<std::vector<analysis::ExifFrame>>& runs
                             "This card holds %d separate bursts (runs + test-fires). Pick the one to check "
                             "against the loaded script (%d frames).",
                             runs.size(), expected)};
-    const auto distance = [&](const auto& run) { return std::abs(static_cast<int>(run.size()) - expected); };
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const auto& run = runs[i];
-        state.choices.push_back(absl::StrFormat("Analyze %d %s · %s to %s", run.size(),
-                                                run.size() == 1 ? "frame" : "frames",
-                                                base::formatTime("%d %b %H:%M:%S", run.front().date, zone),
-                                                base::formatTime("%H:%M:%S", run.back().date, zone)));
-        const auto best = static_cast<std::size_t>(state.recommended);
-        if (state.recommended < 0 || distance(run) <= distance(runs[best])) // the later of equals
-            state.recommended = static_cast<int>(i);
-    }
+    for (const auto& run : runs)
+        state.choices.push_back("Analyze " + base::counted(std::ssize(run), "frame") + " · " +
+                                base::formatTime("%d %b %H:%M:%S", run.front().date, zone) + " to " +
+                                base::formatTime("%H:%M:%S", run.back().date, zone));
+    state.recommended = static_cast<int>(analysis::RunAnalysis::nearestRun(runs, expected));
     return state;
 }
 
@@ -156,9 +142,9 @@ AnalyzerState verdict(const analysis::AnalysisResult& result, const analysis::Ex
                         result.matched, result.missing(), result.nearMiss);
     if (result.misExposed > 0)
         text += absl::StrFormat("%d at the wrong exposure: %s\n", result.misExposed,
-                                joined(result.misExposedNote));
+                                base::joined(result.misExposedNote));
     if (!result.nearMissNote.empty())
-        text += "ISO roundings: " + joined(result.nearMissNote) +
+        text += "ISO roundings: " + base::joined(result.nearMissNote) +
                 " — LUMIX rounds 1/3-stop ISOs to the nearest whole stop; ≤1/3 stop, not a drop.\n";
     text += absl::StrFormat("Firing jitter ±%.0f ms (max %.0f ms) · duration %s\n", result.jitterMeanMs,
                             result.jitterMaxMs, result.durationStr());
@@ -179,7 +165,7 @@ std::string nothingReadable(const analysis::ExifReader& reader) {
     if (skipped.empty())
         return {};
     return "⚠️ Analyzer: no readable images on this card, but it holds files I skipped (" +
-           joined(skipped) +
+           base::joined(skipped) +
            "). If one of those is this camera's image format, tell me — the analyzer needs to learn it.";
 }
 

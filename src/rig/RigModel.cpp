@@ -74,7 +74,10 @@ void RigModel::connectProfilers(const CameraDetector::Families& families) {
             analyzer_.runCompleted();
     });
     roster_.changed().connect([this] { gapProfiler_.followRoster(); });
-    transport_.activityChanged().connect([this] { gapProfiler_.followRun(); });
+    transport_.activityChanged().connect([this] {
+        gapProfiler_.followRun();
+        analyzer_.followRun();
+    });
     gapProfiler_.setCheckLink([families, queue = ports_.queues.serial("zenka.linkcheck"),
                                &loop = ports_.loop](const CameraRoster::Camera& camera, const auto& done) {
         queue->post([families, &loop, backend = camera->backend(), port = camera->port(), done] {

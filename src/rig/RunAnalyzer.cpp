@@ -126,10 +126,10 @@ RunAnalyzer::~RunAnalyzer() {
 
 void RunAnalyzer::runCompleted() {
     ports_.loop.after(rowsInFlight, lifeline_.guard([this] {
-        if (state_.get().step != Step::idle || transport_.runActive())
+        if (!mayOffer())
             return;
         cards_.look(lifeline_.guard([this](const CardWatch::Cards& found) {
-            if (state_.get().step != Step::idle)
+            if (!mayOffer())
                 return;
             if (!found.empty())
                 return offerPostRunAnalyze();
@@ -148,10 +148,25 @@ void RunAnalyzer::cardInserted(const std::filesystem::path& dcim) {
     const std::string name = CardWatch::nameOf(dcim);
     log_.pushLog("💾 Card “" + name + "” is in. Tools ▸ Simulation Analyzer compares it with the script.");
     // Nobody is to be disturbed in a run, and a card that was put in for something else is none of ours.
-    const bool waited = state_.get().step == Step::idle || state_.get().step == Step::message;
     const bool aRunWasFired = pendingAnalyzeOffer_ || !logbook_.lastCsvPath().empty();
-    if (waited && aRunWasFired && !transport_.runActive() && !script_.captures().empty())
+    if (aRunWasFired && mayOffer() && !script_.captures().empty())
         offerPostRunAnalyze();
+}
+
+bool RunAnalyzer::mayOffer() const {
+    const Step step = state_.get().step;
+    return !transport_.runActive() && (step == Step::idle || step == Step::message);
+}
+
+void RunAnalyzer::followRun() {
+    const AnalyzerState& state = state_.get();
+    const bool givesWay = state.unasked ? transport_.runActive() : transport_.live();
+    if (!givesWay || state.step == Step::idle)
+        return;
+    if (state.step == Step::verdict)
+        keepLocal();
+    else
+        cancel();
 }
 
 // --- the way to the frames

@@ -33,7 +33,8 @@ struct AnalyzerState {
         verdict,    ///< done
     };
     Step step = Step::idle;
-    std::string summary; ///< of the run that has just ended; empty otherwise
+    bool unasked = false; ///< it comes by itself, after a run
+    std::string summary;  ///< of the run that has just ended; empty otherwise
     std::string title;
     std::string text;
     std::vector<std::string> choices; ///< of a pick
@@ -71,8 +72,12 @@ public:
 
     /// Answers a pick, or takes up the offer (0).
     void choose(int choice);
-    /// Gives up what is under way, or closes what is shown.
+    /// Gives up what is under way, or closes what is shown. A report that is written stays.
     void cancel();
+
+    /// A run has begun or ended: an offer that nobody has taken up gives way to any run, all else to a live
+    /// one.
+    void followRun();
 
     /// The verdict's two ends.
     void sendReport(const std::string& note);
@@ -94,6 +99,7 @@ private:
     struct Job; // what a comparison works on, off the main thread
 
     void cardInserted(const std::filesystem::path& dcim);
+    bool mayOffer() const;
     bool refused();
     void cardsFound(const CardWatch::Cards& found);
     void begin(const std::filesystem::path& folder);

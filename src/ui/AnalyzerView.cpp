@@ -30,7 +30,6 @@ AnalyzerView::AnalyzerView(rig::RigModel& rig, AppView& app, OpenUrl open, QObje
     observe(this, rig.analyzer().state().changed(), [this](const AnalyzerState&) { stateChanged(); });
     observe(this, rig.analyzer().reportWritten(),
             [this](const std::filesystem::path& report) { open_(addressOf(report)); });
-    observe(this, rig.transport().activityChanged(), [this] { soon(); });
     connect(&app_, &AppView::promptChanged, this, &AnalyzerView::soon);
     connect(&app_, &AppView::sheetChanged, this, &AnalyzerView::sheetChanged);
 }
@@ -44,11 +43,8 @@ void AnalyzerView::stateChanged() {
     Q_EMIT progressed();
     if (step != Step::verdict)
         setNote({});
-    if (step == Step::idle) {
-        asked_ = false;
-        if (sheetOpen_)
-            app_.openSheet({});
-    }
+    if (step == Step::idle && sheetOpen_)
+        app_.openSheet({});
     soon();
 }
 
@@ -59,27 +55,16 @@ void AnalyzerView::soon() {
 }
 
 void AnalyzerView::look() {
-    if (state().step == Step::idle)
-        return;
-    const auto& transport = rig_.transport();
-    const bool runComesFirst = asked_ ? transport.live() : transport.runActive();
-    if (runComesFirst && !sheetOpen_)
-        return answer();
-    if (runComesFirst)
-        app_.openSheet({});
-    else if (app_.sheet().isEmpty() && app_.prompt().isEmpty() && !rig_.cadence().dropExplainer().get())
+    if (state().step != Step::idle && app_.sheet().isEmpty() && app_.prompt().isEmpty() &&
+        !rig_.cadence().dropExplainer().get())
         app_.openSheet(sheetName);
 }
 
 void AnalyzerView::sheetChanged() {
-    const QString sheet = app_.sheet();
-    if (sheet == sheetName) {
-        sheetOpen_ = true;
+    const bool wasOpen = std::exchange(sheetOpen_, app_.holds(sheetName));
+    if (sheetOpen_)
         return;
-    }
-    if (sheet == QLatin1String("Keys") || sheet == QLatin1String("Guide"))
-        return; // leads back
-    if (std::exchange(sheetOpen_, false))
+    if (wasOpen)
         answer();
     soon();
 }
@@ -178,10 +163,8 @@ QUrl AnalyzerView::folder() const {
 void AnalyzerView::analyze() {
     if (rig_.transport().live())
         return;
-    if (state().step != Step::verdict) { // which is read first
-        asked_ = true;
+    if (state().step != Step::verdict) // which is read first
         rig_.analyzer().analyzeRun();
-    }
     app_.openSheet(sheetName);
 }
 
@@ -189,14 +172,12 @@ void AnalyzerView::analyzeFolder(const QUrl& folder) {
     if (!folder.isLocalFile())
         return;
     folder_ = QDir::cleanPath(folder.toLocalFile());
-    asked_ = true;
     rig_.analyzer().analyzeFolder(folder_.toStdString());
 }
 
 void AnalyzerView::choose(int choice) {
     if (state().step == Step::offer)
         return analyze();
-    asked_ = true;
     rig_.analyzer().choose(choice);
 }
 

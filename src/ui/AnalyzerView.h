@@ -92,7 +92,6 @@ private:
     QString note_;
     QString folder_;         // that was chosen last
     bool sheetOpen_ = false; // or a page that was opened over it
-    bool asked_ = false;     // by the user, and not offered
 };
 
 } // namespace zenka::ui

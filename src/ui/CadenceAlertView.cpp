@@ -65,14 +65,10 @@ void CadenceAlertView::look() {
 }
 
 void CadenceAlertView::sheetChanged() {
-    const QString sheet = app_.sheet();
-    if (sheet == sheetName) {
-        open_ = true;
+    const bool wasOpen = std::exchange(open_, app_.holds(sheetName));
+    if (open_)
         return;
-    }
-    if (sheet == QLatin1String("Keys") || sheet == QLatin1String("Guide"))
-        return; // leads back
-    if (std::exchange(open_, false))
+    if (wasOpen)
         rig_.cadence().resolveDropExplainer(CadenceChoice::close);
     soon();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Text.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -24,8 +26,7 @@ inline QStringList qt(const std::vector<std::string>& list) {
 
 /// "1 frame", "2 frames"
 inline QString counted(qsizetype count, const char* word) {
-    return QStringLiteral("%1 %2%3").arg(count).arg(QLatin1String(word),
-                                                    count == 1 ? QString() : QStringLiteral("s"));
+    return qt(base::counted(count, word));
 }
 
 } // namespace zenka::ui

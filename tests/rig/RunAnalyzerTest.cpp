@@ -229,13 +229,20 @@ TEST_F(RunAnalyzerTest, aCompletedRunOffersTheCardThatIsInOrTheNextOne) {
     rig.volumes.plug(fullCard("A"));
     rig.run(1);
     EXPECT_EQ(state().title, "Check what actually landed?");
-    analyzer.cancel();
+    rig.playFrom(clock - 5);
+    EXPECT_EQ(state().step, Step::idle) << "a run comes first";
+    rig.model.transport().togglePlay();
 
     playThrough();
     EXPECT_EQ(state().step, Step::offer) << "it is still in";
     analyzer.choose(0);
     rig.run(1);
     EXPECT_EQ(state().step, Step::verdict);
+    rig.playFrom(clock - 5);
+    EXPECT_EQ(state().step, Step::verdict) << "it was asked for";
+    rig.model.transport().armRealEclipseTiming(true);
+    EXPECT_EQ(state().step, Step::idle);
+    EXPECT_EQ(rig.files.count(".html"), 1);
 }
 
 TEST_F(RunAnalyzerTest, aCardIsNoticedAndDisturbsNobody) {
