@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -12,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string name = [] {
-        std::string pattern = "/tmp/zenka-fuzz-heif-XXXXXX";
+        std::string pattern = std::filesystem::temp_directory_path() / "zenka-fuzz-heif-XXXXXX";
         check(mkstemp(pattern.data()) >= 0);
         return pattern;
     }();

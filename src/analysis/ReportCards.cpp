@@ -1,6 +1,7 @@
 #include "analysis/ReportCards.h"
 
 #include "analysis/HtmlText.h"
+#include "base/Text.h"
 
 #include <absl/strings/str_format.h>
 
@@ -15,16 +16,6 @@ namespace {
 std::string card(std::string_view kind, const std::string& heading, const std::string& body) {
     return absl::StrFormat("<section class=\"card keep %s\"><h2>%s</h2><p>%s</p></section>\n", kind, heading,
                            body);
-}
-
-std::string joined(const std::vector<std::string>& lines, std::string_view separator) {
-    std::string text;
-    for (const std::string& line : lines) {
-        if (!text.empty())
-            text += separator;
-        text += line;
-    }
-    return escaped(text);
 }
 
 std::string tooManyExtras(const AnalysisResult& result) {
@@ -46,7 +37,7 @@ std::string wrongExposures(const AnalysisResult& result) {
             "Manual, "
             "that no in-camera Auto ISO or exposure-comp is overriding the command, and that the commanded "
             "value exists on this body's dial.",
-            joined(result.misExposedNote, "; ")));
+            escaped(base::joined(result.misExposedNote, "; "))));
 }
 
 std::string missingFrames(const AnalysisResult& result) {
@@ -68,7 +59,7 @@ std::string roundedISOs(const AnalysisResult& result) {
             "records as 400). This is a <b>rounding, not a drop or a mistake</b>, and it's ≤1/3 stop — "
             "negligible in exposure. Roundings this run: %s. If you want exact ISOs, command whole-stop "
             "values (100, 200, 400, 800, 1600) in the ramp.",
-            joined(result.nearMissNote, ", ")));
+            escaped(base::joined(result.nearMissNote))));
 }
 
 std::string fewExtras(const AnalysisResult& result) {

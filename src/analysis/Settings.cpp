@@ -1,6 +1,7 @@
 #include "analysis/Settings.h"
 
 #include "analysis/RunAnalysis.h"
+#include "base/Text.h"
 
 #include <absl/strings/str_format.h>
 
@@ -77,12 +78,7 @@ std::string settingsDifference(const script::Capture& capture, const ExifFrame& 
     if (capture.aperture > 0 && frame.aperture > 0 &&
         std::abs(frame.aperture - capture.aperture) >= apertureReach)
         parts.push_back(absl::StrFormat("asked f/%g, card says f/%g", capture.aperture, frame.aperture));
-    if (parts.empty())
-        return "settings differ from the script";
-    std::string text = parts.front();
-    for (std::size_t i = 1; i < parts.size(); ++i)
-        text += ", " + parts[i];
-    return text;
+    return parts.empty() ? "settings differ from the script" : base::joined(parts);
 }
 
 MatchRows::MatchRows(const std::vector<script::Capture>& captures, const std::vector<ExifFrame>& frames)

@@ -30,7 +30,6 @@ public:
 
     // of an entry
     std::optional<std::uint16_t> typeAt(std::size_t entry) const { return word(entry + 2); }
-    std::optional<std::uint32_t> countAt(std::size_t entry) const { return longWord(entry + 4); }
     /// The value itself where it has four bytes or less, else its offset.
     std::optional<std::uint32_t> valueAt(std::size_t entry) const { return longWord(entry + 8); }
 

@@ -34,13 +34,6 @@ double clamped(double value, double low, double high) {
     return std::min(std::max(value, low), high); // holds for crossed limits too, which rules may have
 }
 
-std::string joined(const std::vector<std::string>& items) {
-    std::string text;
-    for (const std::string& item : items)
-        text += (text.empty() ? "" : ", ") + item;
-    return text;
-}
-
 /// One frame being shifted.
 class Shift {
 public:
@@ -67,11 +60,11 @@ public:
         const std::vector<std::string> limits = limitsMet();
         if (moves_.empty())
             return absl::StrFormat("0 of %s%d: %s", sign, wanted_,
-                                   limits.empty() ? "nothing enabled can move" : joined(limits));
+                                   limits.empty() ? "nothing enabled can move" : base::joined(limits));
         if (std::abs(std::abs(applied_) - wanted_) <= toleranceStops)
-            return absl::StrFormat("%s%d: %s", sign, wanted_, joined(moves_));
-        return absl::StrFormat("%s%.1f of %s%d: %s%s", sign, applied_, sign, wanted_, joined(moves_),
-                               limits.empty() ? "" : " · " + joined(limits));
+            return absl::StrFormat("%s%d: %s", sign, wanted_, base::joined(moves_));
+        return absl::StrFormat("%s%.1f of %s%d: %s%s", sign, applied_, sign, wanted_, base::joined(moves_),
+                               limits.empty() ? "" : " · " + base::joined(limits));
     }
 
 private:

@@ -39,7 +39,7 @@ bool isNetwork(std::string_view fileSystem) {
     return std::ranges::count(kinds, fileSystem) > 0;
 }
 
-/// The path of a field of the table, in which blanks and their like are written as "\\040".
+/// The path of a field of the table, in which blanks and their like are written as "\040".
 std::string unescaped(std::string_view field) {
     std::string path;
     for (std::size_t at = 0; at < field.size(); ++at) {

@@ -1,5 +1,7 @@
 #include "rig/ReconnectDesk.h"
 
+#include "base/Text.h"
+
 #include <absl/strings/str_format.h>
 
 #include <algorithm>
@@ -18,13 +20,6 @@ constexpr int slowLanePolls = 15;
 constexpr base::Seconds standDownLimit{3.0};
 /// A single body is spoken of after this, so that several at once are spoken of together.
 constexpr base::Seconds speechGrace{1.0};
-
-std::string joined(const std::vector<std::string>& names) {
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
 
 } // namespace
 
@@ -361,7 +356,7 @@ std::string ReconnectDesk::namesDown() const {
     names.reserve(downCams_.size());
     for (const auto& [id, body] : downCams_)
         names.push_back(body.label);
-    return joined(names);
+    return base::joined(names);
 }
 
 } // namespace zenka::rig

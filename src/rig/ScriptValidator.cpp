@@ -1,5 +1,6 @@
 #include "rig/ScriptValidator.h"
 
+#include "base/Text.h"
 #include "cameras/CameraProfiles.h"
 
 #include <absl/strings/str_format.h>
@@ -53,14 +54,13 @@ void ScriptValidator::validateScript() {
 void ScriptValidator::take(Issues issues, std::size_t captures) {
     const auto errors = std::ranges::count(issues, "error", &script::ScriptDiag::severity);
     const auto warnings = std::ssize(issues) - errors;
-    const auto plural = [](std::ptrdiff_t count) { return count == 1 ? "" : "s"; };
     validationIssues_.set(std::move(issues));
     didValidate_.set(true);
     if (errors + warnings == 0)
         log_.pushLog(absl::StrFormat("✓ Validate: no issues across %d captures", captures));
     else
-        log_.pushLog(absl::StrFormat("Validate: %d error%s, %d warning%s", errors, plural(errors), warnings,
-                                     plural(warnings)));
+        log_.pushLog("Validate: " + base::counted(errors, "error") + ", " +
+                     base::counted(warnings, "warning"));
 }
 
 ScriptValidator::Issues ScriptValidator::issues(const std::string& forScriptText) const {
