@@ -1,6 +1,7 @@
 #include "base/CivilTime.h"
 
 #include <cmath>
+#include <cstdint>
 
 namespace zenka::base {
 
@@ -22,8 +23,13 @@ absl::TimeZone machineTimeZone() {
 }
 
 absl::Time toAbsl(Instant instant) {
-    // Nanoseconds round, so that 0.1 s stays 100 ms where the double lies a hair below.
-    return absl::UnixEpoch() + absl::Nanoseconds(std::round(instant.epochSec * 1e6) * 1e3);
+    // To whole microseconds, so that 0.1 s stays 100 ms where the double lies a hair below; as an integer, as
+    // a double of nanoseconds has gaps of 256 of them.
+    constexpr double most = 9e18;
+    const double microseconds = std::round(instant.epochSec * 1e6);
+    const bool countable = microseconds > -most && microseconds < most;
+    return absl::UnixEpoch() + (countable ? absl::Microseconds(static_cast<std::int64_t>(microseconds))
+                                          : absl::Microseconds(microseconds));
 }
 
 Instant fromAbsl(absl::Time time) {

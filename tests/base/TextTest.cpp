@@ -54,6 +54,7 @@ TEST(CivilTime, timesAreCutAndZonesAreNamesOnly) {
     EXPECT_EQ(formatTime("%H:%M:%S", instant, timeZoneOrUtc("Europe/Madrid")), "20:29:03");
     EXPECT_EQ(formatTime("%E3S", instant, timeZoneOrUtc("UTC")), "03.999");
     EXPECT_EQ(formatTime("%E1S", Instant{0.1}, timeZoneOrUtc("UTC")), "00.1") << "no 0.0 by binary rounding";
+    EXPECT_EQ(formatTime("%E3S", Instant{1786555857.1}, timeZoneOrUtc("UTC")), "57.100");
     EXPECT_EQ(formatTime("%H:%M", instant, timeZoneOrUtc("Asia/Kathmandu")), "00:14");
     for (const char* bad : {"", "Mars/Olympus", "/etc/passwd", "file:/etc/passwd", "../UTC"})
         EXPECT_FALSE(findTimeZone(bad)) << bad;
