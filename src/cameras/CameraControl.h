@@ -37,6 +37,15 @@ struct CameraStatus {
     std::optional<int> batteryPercent;
 };
 
+/// What a body said to being asked between its shots.
+struct PollReply {
+    bool answered = false;
+    std::optional<double> battery; ///< percent; other numbers beyond 998 stand for none
+    bool linkEnded = false;        ///< what holds the link to the body has ended
+
+    friend bool operator==(const PollReply&, const PollReply&) = default;
+};
+
 struct AutoIsoStatus {
     std::optional<bool> isAuto;
     std::optional<std::string> detail;
@@ -98,6 +107,19 @@ public:
 
     virtual void probe(std::function<void(const CameraStatus&)> done) { done({}); }
     virtual void probeAutoISO(std::function<void(const AutoIsoStatus&)> done) { done({}); }
+
+    /// A body that is asked for its battery by poll() and by nothing else.
+    virtual bool polled() const { return false; }
+    /// A shot is under way.
+    virtual bool busy() const { return false; }
+    virtual void poll(std::function<void(const PollReply&)> done) { done({}); }
+
+    /// The drive dial has no single-frame position that this link could see.
+    virtual bool lacksSingleMode() const { return false; }
+    /// Focus is by hand; absent where the link does not tell.
+    virtual std::optional<bool> focusIsMF() const { return std::nullopt; }
+    /// The body has handed control over; absent where the link has no such step.
+    virtual std::optional<bool> handshakeOK() const { return std::nullopt; }
 
     /// Asks for a sign of life where the driver holds a link that would go to sleep without.
     virtual void keepAlive() {}

@@ -1,18 +1,23 @@
 #pragma once
 
 #include "platform/BundledPlaceLookup.h"
+#include "platform/CanberraSounds.h"
 #include "platform/Exiv2Metadata.h"
 #include "platform/LinuxChildProcesses.h"
 #include "platform/LinuxClock.h"
 #include "platform/LinuxFiles.h"
 #include "platform/LinuxFireTimer.h"
 #include "platform/LinuxKeepAwake.h"
+#include "platform/LinuxMachineSensors.h"
 #include "platform/LinuxProcessTable.h"
+#include "platform/LinuxSerialPorts.h"
 #include "platform/LinuxStallSampler.h"
 #include "platform/LinuxUsbBus.h"
 #include "platform/LinuxVolumes.h"
+#include "platform/PulseOutput.h"
 #include "platform/QtHttpClient.h"
 #include "platform/QtMainLoop.h"
+#include "platform/SpeechDispatcher.h"
 #include "platform/ThreadWorkQueues.h"
 #include "ports/Ports.h"
 
@@ -23,8 +28,9 @@ namespace zenka::platform {
 class LinuxPorts {
 public:
     LinuxPorts(ports::Settings& settings, ports::Folders& folders)
-        : all{clock,     loop,         queues, fireTimer, settings, folders, files,
-              keepAwake, stallSampler, places, http,      images,   volumes} {}
+        : all{clock,       loop,         queues, fireTimer, settings, folders, files,
+              keepAwake,   stallSampler, places, http,      images,   volumes, children,
+              serialPorts, sensors,      speech, sounds,    audio} {}
 
     LinuxClock clock;
     QtMainLoop loop;
@@ -39,6 +45,11 @@ public:
     Exiv2Metadata images;
     LinuxVolumes volumes;
     QtHttpClient http{loop};
+    LinuxSerialPorts serialPorts;
+    LinuxMachineSensors sensors{clock};
+    SpeechDispatcher speech{loop};
+    CanberraSounds sounds{loop};
+    PulseOutput audio;
     ThreadWorkQueues queues; ///< ends first, with what is under way on it
     ports::Ports all;
 };

@@ -25,6 +25,8 @@ LooseThread::LooseThread(std::function<void()> function)
 }
 
 LooseThread::~LooseThread() {
+    if (!thread_.joinable())
+        return;
     std::unique_lock lock(ending_->mutex);
     const bool ended =
         ending_->changed.wait_for(lock, std::chrono::milliseconds(500), [this] { return ending_->reached; });
@@ -32,6 +34,11 @@ LooseThread::~LooseThread() {
     if (ended)
         thread_.join();
     else
+        thread_.detach();
+}
+
+void LooseThread::leave() {
+    if (thread_.joinable())
         thread_.detach();
 }
 

@@ -19,6 +19,9 @@ public:
     /// Waits half a second at most.
     ~LooseThread();
 
+    /// Leaves it to itself at once.
+    void leave();
+
 private:
     struct Ending;
     std::shared_ptr<Ending> ending_;

@@ -2,6 +2,8 @@
 
 #include "base/Instant.h"
 
+#include <optional>
+
 namespace zenka::ports {
 
 /// The clocks of the machine. Any thread.
@@ -17,6 +19,10 @@ public:
 
     /// Seconds of a clock that never jumps and stands still while the machine sleeps.
     virtual double uptimeSeconds() const = 0;
+
+    /// Whether a time service of the system says that it keeps the wall time right; absent where it cannot
+    /// be told.
+    virtual std::optional<bool> synchronised() const { return std::nullopt; }
 };
 
 } // namespace zenka::ports

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "ports/AlertSounds.h"
+#include "ports/AudioOutput.h"
+#include "ports/ChildProcess.h"
 #include "ports/Clock.h"
 #include "ports/Files.h"
 #include "ports/FireTimer.h"
@@ -7,9 +10,12 @@
 #include "ports/HttpClient.h"
 #include "ports/ImageMetadata.h"
 #include "ports/KeepAwake.h"
+#include "ports/MachineSensors.h"
 #include "ports/MainLoop.h"
 #include "ports/PlaceLookup.h"
+#include "ports/SerialPorts.h"
 #include "ports/Settings.h"
+#include "ports/SpeechOutput.h"
 #include "ports/StallSampler.h"
 #include "ports/Volumes.h"
 #include "ports/WorkQueues.h"
@@ -31,6 +37,12 @@ struct Ports {
     HttpClient& http;
     ImageMetadata& images;
     Volumes& volumes;
+    ChildProcesses& children;
+    SerialPorts& serialPorts;
+    MachineSensors& sensors;
+    SpeechOutput& speech;
+    AlertSounds& sounds;
+    AudioOutput& audio;
 };
 
 } // namespace zenka::ports

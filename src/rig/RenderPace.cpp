@@ -26,9 +26,9 @@ double RenderPace::renderInterval() const {
         interval = wait < 4 ? 0.125 : wait < 30 ? 1.0 / 3 : 0.5;
     }
     // A hot machine saves on drawing, never on firing.
-    if (thermalState_ == ThermalState::critical)
+    if (thermalState_ == ports::ThermalState::critical)
         return std::max(interval, 0.5);
-    if (thermalState_ == ThermalState::serious)
+    if (thermalState_ == ports::ThermalState::serious)
         return std::max(interval, 0.25);
     return interval;
 }

@@ -2,6 +2,7 @@
 
 #include "base/Published.h"
 #include "ports/Clock.h"
+#include "ports/MachineSensors.h"
 #include "rig/Transport.h"
 
 #include <cstdint>
@@ -9,8 +10,6 @@
 #include <optional>
 
 namespace zenka::rig {
-
-enum class ThermalState { nominal, fair, serious, critical };
 
 /// How often views are told to redraw: the clock itself is not published, so that a beat of 20 Hz is not
 /// 20 Hz of drawing.
@@ -29,7 +28,7 @@ public:
     double renderInterval() const;
 
     void setSheetCoveringDashboard(bool covering) { sheetCoveringDashboard_ = covering; }
-    void setThermalState(ThermalState state) { thermalState_ = state; }
+    void setThermalState(ports::ThermalState state) { thermalState_ = state; }
 
 private:
     const ports::Clock& clock_;
@@ -38,7 +37,7 @@ private:
     base::Published<std::uint64_t> renderTick_{0};
     std::optional<double> lastRenderAt_; // uptime seconds
     bool sheetCoveringDashboard_ = false;
-    ThermalState thermalState_ = ThermalState::nominal;
+    ports::ThermalState thermalState_ = ports::ThermalState::nominal;
 };
 
 } // namespace zenka::rig

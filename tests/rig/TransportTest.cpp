@@ -154,9 +154,9 @@ TEST(RenderPace, redrawsMoreOftenTheNearerTheNextEventIs) {
     EXPECT_DOUBLE_EQ(pace.renderInterval(), 1.0 / 3);
     rig.run(17);
     EXPECT_DOUBLE_EQ(pace.renderInterval(), 0.125);
-    pace.setThermalState(rig::ThermalState::critical);
+    pace.setThermalState(ports::ThermalState::critical);
     EXPECT_DOUBLE_EQ(pace.renderInterval(), 0.5);
-    pace.setThermalState(rig::ThermalState::nominal);
+    pace.setThermalState(ports::ThermalState::nominal);
     const auto before = pace.renderTick().get();
     rig.run(1);
     EXPECT_NEAR(static_cast<double>(pace.renderTick().get() - before), 7, 1);

@@ -47,11 +47,39 @@ public:
     std::function<void(const ScriptedCamera&)> onCapture;
     int fullExposures = 0; ///< frames that were asked to send every setting
 
+    cameras::ExposureChoices choices;
+    cameras::ExposureChoices readExposureChoices() override { return choices; }
+    void readExposureChoices(std::function<void(const cameras::ExposureChoices&)> done) override {
+        done(choices);
+    }
+    cameras::AutoIsoStatus autoIso;
+    void probeAutoISO(std::function<void(const cameras::AutoIsoStatus&)> done) override { done(autoIso); }
     void probe(std::function<void(const cameras::CameraStatus&)> done) override {
         ++probes;
         done(status);
     }
     void forceFullExposureNextFrame() override { ++fullExposures; }
+
+    bool isPolled = false;
+    bool isBusy = false;
+    std::optional<cameras::PollReply> reply; ///< none comes without
+    int polls = 0;
+    bool polled() const override { return isPolled; }
+    bool busy() const override { return isBusy; }
+    void poll(std::function<void(const cameras::PollReply&)> done) override {
+        ++polls;
+        if (reply)
+            done(*reply);
+    }
+
+    bool burst = false;
+    bool noSingleMode = false;
+    std::optional<bool> manualFocus;
+    std::optional<bool> handshake;
+    bool driveModeBurst() const override { return burst; }
+    bool lacksSingleMode() const override { return noSingleMode; }
+    std::optional<bool> focusIsMF() const override { return manualFocus; }
+    std::optional<bool> handshakeOK() const override { return handshake; }
     void capture(const cameras::Shot& shot, CaptureDone done) override {
         shots.push_back(shot);
         if (onCapture)

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <map>
+#include <string>
 #include <utility>
 
 namespace zenka::test {
@@ -29,9 +31,10 @@ public:
     }
 
     /// Completes the oldest request.
-    void answer(int status, const std::string& body) {
+    void answer(int status, const std::string& body, std::map<std::string, std::string> headers = {}) {
         ports::HttpReply reply;
         reply.status = status;
+        reply.headers = std::move(headers);
         reply.body = body;
         complete(reply);
     }

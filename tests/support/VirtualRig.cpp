@@ -17,13 +17,6 @@ base::Instant anHourBefore() {
     return eclipse::Catalog::eclipse("2026-08-12").baseTDT() - base::Seconds{3600};
 }
 
-ports::Ports withParts(const ports::Ports& all, ports::MainLoop& loop, ports::ImageMetadata& images,
-                       ports::Volumes& volumes) {
-    return {all.clock,   loop,      all.queues,    all.fireTimer,    all.settings,
-            all.folders, all.files, all.keepAwake, all.stallSampler, all.places,
-            all.http,    images,    volumes};
-}
-
 } // namespace
 
 std::string MemoryFiles::only(const std::string& ending) const {
@@ -45,11 +38,18 @@ VirtualRig::VirtualRig(const rig::CameraDetector::Families& families)
 }
 
 VirtualRig::VirtualRig(const MakeFamilies& make)
-    : machine(anHourBefore(), folders, files, places, http),
-      model(withParts(machine.all, loop, images, volumes), "9.9", make(machine)) {
+    : machine(anHourBefore(), folders, files, places, http), model(parts(), "9.9", make(machine)) {
     model.log().lineAdded().connect([this](const std::string& line) { lines.push_back(line); });
     model.recompute();
     model.fireClock().startClock();
+}
+
+ports::Ports VirtualRig::parts() {
+    const ports::Ports& all = machine.all;
+    return {all.clock, loop,          all.queues,       all.fireTimer, all.settings, all.folders,
+            all.files, all.keepAwake, all.stallSampler, all.places,    all.http,     images,
+            volumes,   children,      serialPorts,      sensors,       speech,       sounds,
+            audio};
 }
 
 void VirtualRig::load(const std::string& script) {

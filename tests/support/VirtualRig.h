@@ -6,7 +6,11 @@
 #include "support/MemoryFiles.h"
 #include "support/ScriptedCamera.h"
 #include "support/ScriptedCards.h"
+#include "support/ScriptedChildren.h"
 #include "support/ScriptedHttp.h"
+#include "support/ScriptedSerial.h"
+#include "support/ScriptedVoice.h"
+#include "support/ToldSensors.h"
 #include "support/WatchedLoop.h"
 
 #include <functional>
@@ -35,6 +39,12 @@ public:
     ScriptedVolumes volumes;
     platform::VirtualPorts machine;
     WatchedLoop loop{machine.loop}; ///< the one that the rig has
+    ScriptedChildren children{machine.time};
+    ScriptedSerial serialPorts{machine.time};
+    ToldSensors sensors;
+    ScriptedSpeech speech{machine.time, machine.loop};
+    HeardSounds sounds{machine.time};
+    ToldAudio audio;
     rig::RigModel model;
 
     /// Every line of the operator's log, oldest first.
@@ -57,6 +67,9 @@ public:
     bool logged(const std::string& part) const { return countLines(part) > 0; }
     /// The rows of the only CSV, split into fields (no test script has a comma in a field).
     std::vector<std::vector<std::string>> rows() const;
+
+private:
+    ports::Ports parts();
 };
 
 } // namespace zenka::test

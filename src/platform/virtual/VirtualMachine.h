@@ -1,19 +1,26 @@
 #pragma once
 
 #include "platform/virtual/VirtualTime.h"
+#include "ports/AlertSounds.h"
+#include "ports/AudioOutput.h"
+#include "ports/ChildProcess.h"
 #include "ports/FireTimer.h"
 #include "ports/HttpClient.h"
 #include "ports/ImageMetadata.h"
 #include "ports/KeepAwake.h"
+#include "ports/MachineSensors.h"
 #include "ports/MainLoop.h"
 #include "ports/PlaceLookup.h"
+#include "ports/SerialPorts.h"
 #include "ports/Settings.h"
+#include "ports/SpeechOutput.h"
 #include "ports/StallSampler.h"
 #include "ports/Volumes.h"
 #include "ports/WorkQueues.h"
 
 #include <limits>
 #include <map>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -130,6 +137,55 @@ public:
 class NoStallSampler final : public ports::StallSampler {
 public:
     bool sampleTo(const std::filesystem::path&) override { return false; }
+};
+
+/// A machine that starts no other programs.
+class NoChildren final : public ports::ChildProcesses {
+public:
+    Started start(const ports::ChildStart&) override {
+        return {.child = nullptr, .fault = "no program is started here"};
+    }
+};
+
+class NoSerialPorts final : public ports::SerialPorts {
+public:
+    std::vector<std::string> candidates() override { return {}; }
+    Opened open(const std::string&, int) override { return {.line = nullptr, .fault = "it is not there"}; }
+};
+
+/// A machine without sensors.
+class NoSensors final : public ports::MachineSensors {
+public:
+    ports::MachineReading read() override { return {}; }
+};
+
+/// Says nothing, in no time.
+class SilentSpeech final : public ports::SpeechOutput {
+public:
+    explicit SilentSpeech(ports::MainLoop& loop) : loop_(loop) {}
+    void speak(ports::Utterance, Done done) override {
+        loop_.post([done = std::move(done)] { done({.spoken = true, .fault = {}}); });
+    }
+    void abandon() override {}
+    void warmUp() override {}
+    void listVoices(TakeVoices take) override {
+        loop_.post([take = std::move(take)] { take({}); });
+    }
+    std::string userLanguage() const override { return {}; }
+
+private:
+    ports::MainLoop& loop_;
+};
+
+class NoAlertSounds final : public ports::AlertSounds {
+public:
+    void play(const std::string&, Failed) override {}
+};
+
+/// An output of which nothing is known.
+class UnknownAudio final : public ports::AudioOutput {
+public:
+    ports::AudioState state() const override { return {}; }
 };
 
 } // namespace zenka::platform

@@ -12,8 +12,9 @@ struct VirtualPorts {
 
     VirtualPorts(base::Instant wallStart, ports::Folders& folders, ports::Files& files,
                  ports::PlaceLookup& places, ports::HttpClient& http)
-        : time(wallStart), all{time,      loop,         queues, fireTimer, settings, folders, files,
-                               keepAwake, stallSampler, places, http,      images,   volumes} {}
+        : time(wallStart), all{time,        loop,         queues, fireTimer, settings, folders, files,
+                               keepAwake,   stallSampler, places, http,      images,   volumes, children,
+                               serialPorts, sensors,      speech, sounds,    audio} {}
 
     VirtualTime time;
     VirtualLoop loop{time};
@@ -26,6 +27,12 @@ struct VirtualPorts {
     NoHttp noHttp{loop};
     NoImages images;
     NoVolumes volumes;
+    NoChildren children;
+    NoSerialPorts serialPorts;
+    NoSensors sensors;
+    SilentSpeech speech{loop};
+    NoAlertSounds sounds;
+    UnknownAudio audio;
     ports::Ports all;
 };
 
