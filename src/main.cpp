@@ -44,8 +44,8 @@ int runWindow(int argc, char** argv) {
     QGuiApplication::setDesktopFileName(QStringLiteral("zenka"));
     platform::ThreadWorkQueues settingsQueues;
     platform::QtSettings settings(settingsQueues);
-    for (const char* key :
-         {services::serviceHostKey, services::updateAddressKey, rig::settingsKeys::elevationHost})
+    for (const char* key : {services::serviceHostKey, services::updateAddressKey,
+                            rig::settingsKeys::elevationHost, rig::settingsKeys::timeServer})
         settings.letEnvironmentRule(key);
     platform::LinuxFolders folders;
     // Work on the machine's queues may still use these when all else has gone.
@@ -70,6 +70,7 @@ int runWindow(int argc, char** argv) {
     rig::RigModel rig(machine.all, ZENKA_VERSION, families);
     services::ModelStatsFetch statistics(machine.all, gphoto2->modelStats());
     statistics.primeModelStats();
+    rig.time().checkClockSkew();
     log = [&rig](const std::string& words) { rig.log().pushLog("⚠️ " + words); };
     machine.usb.watch([&rig] {
         rig.reconnect().busChanged();

@@ -1,20 +1,21 @@
 #pragma once
 
+#include "ports/Ports.h"
 #include "rig/RigLog.h"
 #include "rig/ScriptDesk.h"
+#include "rig/ShellCues.h"
+#include "rig/SpeechQueue.h"
+#include "rig/VoiceChoice.h"
 
-#include <functional>
+#include <cstddef>
 #include <string>
 
 namespace zenka::rig {
 
-/// Tells the script's cues at their instants. Main thread.
+/// Tells the script's cues at their instants, and speaks what else is to be heard. Main thread.
 class Announcer {
 public:
-    /// Runs the command line of a cue, detached.
-    using RunShell = std::function<void(const std::string& command)>;
-
-    Announcer(RigLog& log, const ScriptDesk& script) : log_(log), script_(script) {}
+    Announcer(const ports::Ports& ports, RigLog& log, const ScriptDesk& script);
 
     /// Announces all cues at or before the clock that have not been announced.
     void announceDue(double clock);
@@ -25,16 +26,37 @@ public:
     /// Clock value of the next cue, infinite if there is none.
     double nextOffset() const;
 
-    /// Until it is set, commands are logged and not run.
-    void setRunShell(RunShell runShell) { runShell_ = std::move(runShell); }
+    /// Whether cues are spoken; they are logged in any case. The user's setting.
+    const base::Published<bool>& audioEnabled() const { return audioEnabled_; }
+    void setAudioEnabled(bool enabled);
+
+    /// Speaks when all that was said before has been spoken.
+    void speak(const std::string& text);
+    /// Speaks if the user wants to hear cues.
+    void speakIfWanted(const std::string& text);
+    void testVoice();
+
+    /// A run begins: its first cue is not to wait for the engine.
+    void warmUp();
+
+    VoiceChoice& voices() { return voices_; }
+    /// What is being spoken, for the screen; empty between utterances.
+    const base::Published<std::string>& saying() const { return speaker_.saying(); }
+
+    /// Ends the commands of cues that still run.
+    void endCommands() { shell_.endAll(); }
 
 private:
     void announceCue(const script::AudioCue& cue);
 
+    const ports::Ports& ports_;
     RigLog& log_;
     const ScriptDesk& script_;
-    std::size_t cursor_ = 0; // cues below it have been announced
-    RunShell runShell_;
+    VoiceChoice voices_;
+    SpeechQueue speaker_;
+    ShellCues shell_;
+    base::Published<bool> audioEnabled_;
+    std::size_t firedCueSet_ = 0; // cues below it have been announced
 };
 
 } // namespace zenka::rig

@@ -1,5 +1,7 @@
 #include "rig/BodyModes.h"
 
+#include <utility>
+
 namespace zenka::rig {
 
 void BodyModes::recheckModes() {
@@ -27,9 +29,18 @@ void BodyModes::recheckApply(const cameras::CameraControl& camera, const cameras
         mode.isManual = status.isManual;
     if (status.modeName)
         mode.modeName = *status.modeName;
-    if (status.batteryPercent)
-        mode.batteryPercent = status.batteryPercent;
     changed_.emit();
+    if (status.batteryPercent) {
+        noteBattery(camera, *status.batteryPercent);
+        batteryTold_.emit(camera, *status.batteryPercent);
+    }
+}
+
+bool BodyModes::noteBattery(const cameras::CameraControl& camera, int percent) {
+    if (std::exchange(modes_[camera.id()].batteryPercent, percent) == percent)
+        return false;
+    changed_.emit();
+    return true;
 }
 
 void BodyModes::applyAutoISO(const cameras::CameraControl& camera, const cameras::AutoIsoStatus& status,

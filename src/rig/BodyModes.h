@@ -35,6 +35,9 @@ public:
     void applyAutoISO(const cameras::CameraControl& camera, const cameras::AutoIsoStatus& status,
                       const std::string& label);
 
+    /// What a body said of its battery; true when it is news.
+    bool noteBattery(const cameras::CameraControl& camera, int percent);
+
     /// Empty for a body that has said nothing.
     Mode of(const std::string& cameraId) const;
     /// What is wrong with a body's dials, for its card; empty for nothing.
@@ -43,12 +46,15 @@ public:
     void carry(const std::string& fromId, const std::string& toId);
 
     sigc::signal<void()>& changed() { return changed_; }
+    /// A body has been asked and told its battery, in percent.
+    sigc::signal<void(const cameras::CameraControl&, int)>& batteryTold() { return batteryTold_; }
 
 private:
     RigLog& log_;
     const CameraRoster& roster_;
     std::map<std::string, Mode> modes_; // by camera id
     sigc::signal<void()> changed_;
+    sigc::signal<void(const cameras::CameraControl&, int)> batteryTold_;
     base::Lifeline lifeline_;
 };
 

@@ -69,6 +69,8 @@ public:
     /// The spacing that suits the bodies behind some names of a script; at least half a second.
     double spacingFloor(const std::vector<std::string>& tokens) const;
 
+    /// An alert when the script is too tight for a body.
+    std::optional<CadenceAlert> alertFor(const cameras::CameraControl& camera) const;
     /// The worst of what the script asks of the bodies that are connected.
     std::optional<CadenceAlert> cadenceAlertForArm() const;
     /// Whether the rig had better not be armed: a body was measured to be slower than the script. Says so
@@ -91,8 +93,6 @@ public:
 
 private:
     bool connected(const cameras::CameraControl& camera) const;
-    /// An alert when the script is too tight for a body.
-    std::optional<CadenceAlert> alertFor(const cameras::CameraControl& camera) const;
 
     RigLog& log_;
     const CameraRoster& roster_;

@@ -7,7 +7,6 @@ namespace zenka::rig {
 
 namespace {
 
-constexpr base::Seconds period{45.0};
 /// No frame is to wait for a body that does not answer: to a ping for 6 s, to the questions for 30 s.
 constexpr double roomForAPing = 10.0;
 constexpr double roomForQuestions = 40.0;
@@ -18,10 +17,6 @@ HeldSessions::HeldSessions(const ports::Ports& ports, RigLog& log, const CameraR
                            const FireLoop& fireLoop, const BodiesInUse& inUse, Families families)
     : ports_(ports), log_(log), roster_(roster), fireLoop_(fireLoop), inUse_(inUse),
       families_(std::move(families)), queue_(ports.queues.serial("held sessions")) {
-}
-
-void HeldSessions::startKeepAlive() {
-    ports_.loop.every(period, lifeline_.guard([this] { keepAliveHeldSessions(); }));
 }
 
 bool HeldSessions::held(const cameras::CameraControl& camera) const {

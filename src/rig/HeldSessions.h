@@ -25,9 +25,6 @@ public:
     HeldSessions(const ports::Ports& ports, RigLog& log, const CameraRoster& roster, const FireLoop& fireLoop,
                  const BodiesInUse& inUse, Families families);
 
-    /// From now on every 45 s.
-    void startKeepAlive();
-
     /// Asks each body for a sign of life and those with time for it what they are set to, and looks for
     /// bodies that have gone. One with a frame soon is left alone.
     void keepAliveHeldSessions();

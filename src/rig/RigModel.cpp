@@ -28,7 +28,23 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
       analyzer_(ports_, log_, script_, transport_, logbook_, cards_), modes_(log_, roster_),
       detector_(ports_, log_, roster_, transport_, families),
       reconnect_(ports_, log_, roster_, logbook_, transport_, families),
-      heldSessions_(ports_, log_, roster_, fireLoop_, inUse_, families), announcer_(log_, script_),
+      heldSessions_(ports_, log_, roster_, fireLoop_, inUse_, families), announcer_(ports_, log_, script_),
+      alarmSound_(ports_, log_), audio_(ports_, log_, [this] { return voiceWanted(); }),
+      batteries_(ports_, log_, roster_, transport_, modes_), health_(ports_, log_), time_(ports_, log_),
+      preflight_(ports_, log_,
+                 {.site = site_,
+                  .sites = sites_,
+                  .roster = roster_,
+                  .modes = modes_,
+                  .script = script_,
+                  .validator = validator_,
+                  .cadence = cadence_,
+                  .batteries = batteries_,
+                  .health = health_,
+                  .audio = audio_,
+                  .time = time_},
+                 time_, validator_, modes_),
+      exposureCheck_(ports_, log_, roster_, transport_, manualFire_, inUse_),
       renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
       fireClock_(
           ports_, log_, transport_, [this](double dt) { advance(dt); }, [this] { return nextDue(); }) {
@@ -62,6 +78,39 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
     transport_.shown().connect([this] { renderPace_.requestRender(true); });
     connectCameras();
     connectProfilers(families);
+    connectVoice();
+    connectWatches();
+}
+
+bool RigModel::voiceWanted() const {
+    return announcer_.audioEnabled().get() || batteries_.lowBatteryAudio() ||
+           batteries_.criticalBatteryAudio();
+}
+
+void RigModel::connectVoice() {
+    const auto speak = [this](const std::string& words) { announcer_.speak(words); };
+    reconnect_.spoken().connect(speak);
+    batteries_.spoken().connect(speak);
+    health_.spoken().connect(speak);
+    exposure_.spoken().connect([this](const std::string& words) { announcer_.speakIfWanted(words); });
+    reconnect_.alarmSounds().connect(
+        [this](bool sounds) { sounds ? alarmSound_.startAlarmSound() : alarmSound_.stop(); });
+    batteries_.alarmSound().connect([this] { alarmSound_.playOnce(); });
+    transport_.runBegan().connect([this](TimingMode) { announcer_.warmUp(); });
+}
+
+void RigModel::connectWatches() {
+    batteries_.heartbeat().connect([this] {
+        heldSessions_.keepAliveHeldSessions();
+        audio_.refreshAudioOutput();
+        keeper_.eclipseDayLiveNudge();
+    });
+    batteries_.flagDisconnect().connect([this](const auto& camera) { reconnect_.flagDisconnect(camera); });
+    roster_.removed().connect([this](const std::string& id) { batteries_.forget(id); });
+    health_.sampled().connect([this] { batteries_.checkMacBattery(health_.health().get()); });
+    health_.thermalState().changed().connect(
+        [this](ports::ThermalState state) { renderPace_.setThermalState(state); });
+    transport_.setClockOffset([this] { return time_.gpsOffsetSeconds().get(); });
 }
 
 void RigModel::connectProfilers(const CameraDetector::Families& families) {
@@ -100,6 +149,7 @@ void RigModel::connectCameras() {
         outcomes_.carry(from, to);
         modes_.carry(from, to);
         testShots_.carry(from, to);
+        batteries_.carry(from, to);
     };
     heldSessions_.idle().connect([this](const Camera& camera) {
         // Questions to a body that is being got back would keep its port from being reset.
@@ -144,9 +194,12 @@ void RigModel::bootstrap() {
     transport_.restoreSimClock();
     keeper_.checkForResumableRun();
     keeper_.checkEclipseDay();
-    heldSessions_.startKeepAlive();
     cards_.start();
     fireClock_.startClock();
+    batteries_.startBatteryHeartbeat();
+    time_.startGPS();
+    health_.startHealthMonitor();
+    audio_.refreshAudioOutput();
 }
 
 void RigModel::recompute() {
@@ -159,6 +212,7 @@ void RigModel::handleAppWillTerminate() {
     logbook_.closeForExit();
     keeper_.closeForExit();
     detector_.cancelDetect();
+    announcer_.endCommands();
     for (const auto& camera : roster_.cameras())
         camera->shutDown(exitLimit);
 }

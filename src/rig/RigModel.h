@@ -1,7 +1,9 @@
 #pragma once
 
 #include "ports/Ports.h"
+#include "rig/AlarmSound.h"
 #include "rig/Announcer.h"
+#include "rig/BatteryWatch.h"
 #include "rig/BodiesInUse.h"
 #include "rig/BodyModes.h"
 #include "rig/CadenceAdvisor.h"
@@ -9,15 +11,19 @@
 #include "rig/CameraProfiler.h"
 #include "rig/CameraRoster.h"
 #include "rig/CardWatch.h"
+#include "rig/ExposureCheck.h"
 #include "rig/ExposureControl.h"
 #include "rig/FireClock.h"
 #include "rig/FireLoop.h"
 #include "rig/FireOutcomes.h"
 #include "rig/GapProfiler.h"
+#include "rig/HealthMonitor.h"
 #include "rig/HeldSessions.h"
 #include "rig/LibraryDesk.h"
 #include "rig/ManualFire.h"
 #include "rig/MeasuredFloors.h"
+#include "rig/MutedGuard.h"
+#include "rig/Preflight.h"
 #include "rig/ReconnectDesk.h"
 #include "rig/RenderPace.h"
 #include "rig/RigLog.h"
@@ -30,6 +36,7 @@
 #include "rig/SiteDesk.h"
 #include "rig/SleepGuard.h"
 #include "rig/TestShots.h"
+#include "rig/TimeSources.h"
 #include "rig/Transport.h"
 
 #include <string>
@@ -86,15 +93,24 @@ public:
     ReconnectDesk& reconnect() { return reconnect_; }
     HeldSessions& heldSessions() { return heldSessions_; }
     Announcer& announcer() { return announcer_; }
+    MutedGuard& audio() { return audio_; }
+    BatteryWatch& batteries() { return batteries_; }
+    HealthMonitor& health() { return health_; }
+    TimeSources& time() { return time_; }
+    Preflight& preflight() { return preflight_; }
+    ExposureCheck& exposureCheck() { return exposureCheck_; }
     RenderPace& renderPace() { return renderPace_; }
     FireClock& fireClock() { return fireClock_; }
 
 private:
     void connectCameras();
+    void connectVoice();
+    void connectWatches();
     void connectProfilers(const CameraDetector::Families& families);
     void advance(double dt);
     void resetFiredTracking();
     double nextDue() const;
+    bool voiceWanted() const;
 
     const ports::Ports ports_;
     RigLog log_;
@@ -125,6 +141,13 @@ private:
     ReconnectDesk reconnect_;
     HeldSessions heldSessions_;
     Announcer announcer_;
+    AlarmSound alarmSound_;
+    MutedGuard audio_;
+    BatteryWatch batteries_;
+    HealthMonitor health_;
+    TimeSources time_;
+    Preflight preflight_;
+    ExposureCheck exposureCheck_;
     RenderPace renderPace_;
     FireClock fireClock_;
 };

@@ -18,18 +18,35 @@ ScriptValidator::ScriptValidator(const ports::Ports& ports, RigLog& log, const S
 }
 
 void ScriptValidator::followScript() {
-    ++wanted_;
+    ++compiles_;
+    latestIssues_.reset();
     if (didValidate_.get()) {
         validationIssues_.set({});
         didValidate_.set(false);
     }
-    if (std::exchange(whenCompiled_, false))
-        validateScript();
+    for (const Found& found : std::exchange(whenCompiled_, {}))
+        find(found);
 }
 
 void ScriptValidator::validateScript() {
+    find([this](const Finding& finding) {
+        if (finding.current)
+            publish(finding);
+    });
+}
+
+void ScriptValidator::look(std::function<void()> then) {
+    find([this, then = std::move(then)](const Finding& finding) {
+        if (finding.current)
+            then();
+        else
+            look(then);
+    });
+}
+
+void ScriptValidator::find(Found found) {
     if (script_.compiling()) {
-        whenCompiled_ = true;
+        whenCompiled_.push_back(std::move(found));
         return;
     }
     struct Work {
@@ -41,9 +58,11 @@ void ScriptValidator::validateScript() {
     const auto work = std::make_shared<Work>(Work{.context = context(script_.cameraTokens()),
                                                   .captures = script_.captures(),
                                                   .byToken = script_.capturesByToken()});
-    const auto arrive = lifeline_.guard([this, work, number = ++wanted_] {
-        if (number == wanted_)
-            take(std::move(work->issues), work->captures.size());
+    const auto arrive = lifeline_.guard([this, work, found = std::move(found), compiles = compiles_] {
+        const bool current = compiles == compiles_;
+        if (current)
+            latestIssues_ = work->issues;
+        found({.issues = work->issues, .captures = work->captures.size(), .current = current});
     });
     ports_.queues.background([work, arrive, &loop = ports_.loop] {
         work->issues = computeIssues(work->context, work->captures, work->byToken);
@@ -51,13 +70,13 @@ void ScriptValidator::validateScript() {
     });
 }
 
-void ScriptValidator::take(Issues issues, std::size_t captures) {
-    const auto errors = std::ranges::count(issues, "error", &script::ScriptDiag::severity);
-    const auto warnings = std::ssize(issues) - errors;
-    validationIssues_.set(std::move(issues));
+void ScriptValidator::publish(const Finding& finding) {
+    const auto errors = std::ranges::count(finding.issues, "error", &script::ScriptDiag::severity);
+    const auto warnings = std::ssize(finding.issues) - errors;
+    validationIssues_.set(finding.issues);
     didValidate_.set(true);
     if (errors + warnings == 0)
-        log_.pushLog(absl::StrFormat("✓ Validate: no issues across %d captures", captures));
+        log_.pushLog(absl::StrFormat("✓ Validate: no issues across %d captures", finding.captures));
     else
         log_.pushLog("Validate: " + base::counted(errors, "error") + ", " +
                      base::counted(warnings, "warning"));

@@ -11,6 +11,8 @@
 #include "rig/SiteDesk.h"
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,6 +34,11 @@ public:
     /// The script was looked at since it was compiled last.
     const base::Published<bool>& didValidate() const { return didValidate_; }
 
+    /// Looks at the script in the same way, but without a word, and says when it knows.
+    void look(std::function<void()> then);
+    /// What the last look at the script as it stands has found; nothing before one.
+    const std::optional<Issues>& latestIssues() const { return latestIssues_; }
+
     /// What the compiler says of another text, then what is found in it.
     Issues issues(const std::string& forScriptText) const;
 
@@ -40,7 +47,14 @@ public:
 
 private:
     IssueBody bodyBehind(const cameras::CameraControl& camera) const;
-    void take(Issues issues, std::size_t captures);
+    struct Finding {
+        Issues issues;
+        std::size_t captures = 0;
+        bool current = false; ///< the script that was looked at still stands
+    };
+    using Found = std::function<void(const Finding&)>;
+    void find(Found found);
+    void publish(const Finding& finding);
     void followScript();
 
     const ports::Ports& ports_;
@@ -51,8 +65,9 @@ private:
     const MeasuredFloors& floors_;
     base::Published<Issues> validationIssues_;
     base::Published<bool> didValidate_{false};
-    bool whenCompiled_ = false;
-    std::size_t wanted_ = 0; // only what was found in the script that stands is taken
+    std::optional<Issues> latestIssues_;
+    std::vector<Found> whenCompiled_; // wait for the script to be compiled
+    std::size_t compiles_ = 0;
     base::Lifeline lifeline_;
 };
 

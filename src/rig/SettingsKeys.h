@@ -27,6 +27,14 @@ inline constexpr char longFrameFloorPrefix[] = "eclipse.longFrameFloor.";       
 inline constexpr char cadenceRevalidated[] = "eclipse.cadenceMeasurementsRevalidated";
 inline constexpr char olympusRevalidated[] = "eclipse.olympusFloorsRevalidatedForCaptureImage";
 
+inline constexpr char audioEnabled[] = "eclipse.audioEnabled";               ///< cues are spoken
+inline constexpr char voice[] = "eclipse.voice";                             ///< id of the chosen voice
+inline constexpr char lowBatteryThreshold[] = "eclipse.lowBatteryThreshold"; ///< percent
+inline constexpr char lowBatteryAudio[] = "eclipse.lowBatteryAudio";
+inline constexpr char criticalBatteryAudio[] = "eclipse.criticalBatteryAudio";
+
+inline constexpr char serviceHost[] = "zenka.serviceHost"; ///< of the program's own service, "https://host"
+inline constexpr char timeServer[] = "zenka.timeServer";   ///< whose Date header the clock is held against
 inline constexpr char elevationHost[] = "zenka.elevationHost"; ///< address before "/v1/elevation"
 inline constexpr char eclipseDayPromptedPrefix[] = "zenka.eclipseDayPrompted."; ///< + id: the day, ISO 8601
 

@@ -113,6 +113,11 @@ void SiteBook::resolveTimeZone() {
     desk_.recompute();
 }
 
+bool SiteBook::timeZoneIsEstimate() const {
+    const Site& site = desk_.site();
+    return site.tzId == estimatedZone(site.lon);
+}
+
 void SiteBook::refreshSitePlace() {
     Site site = desk_.site();
     if (auto place = ports_.places.placeAt(site.lat, site.lon)) {

@@ -38,6 +38,8 @@ public:
 
     /// Takes the zone of the current point; at sea one estimated from the longitude, with a warning.
     void resolveTimeZone();
+    /// The zone that stands is one that was estimated.
+    bool timeZoneIsEstimate() const;
     /// Takes the name of the place at the current point, if it has one.
     void refreshSitePlace();
     /// Asks the elevation service for the height of the current point. Without an answer, or when the site

@@ -3,7 +3,10 @@
 #include "base/CivilTime.h"
 #include "base/Text.h"
 #include "base/TimeWords.h"
+#include "rig/PlatformWords.h"
 #include "rig/SettingsKeys.h"
+
+#include <absl/strings/str_format.h>
 
 #include <algorithm>
 #include <optional>
@@ -144,10 +147,14 @@ void Transport::useSimulatedTiming() {
 void Transport::armRealEclipseTiming(bool force) {
     if (!force && holdsArming_ && holdsArming_())
         return;
-    timingStatus_.set("LIVE · real eclipse clock");
-    anchorLive(ports_.clock.now());
+    const std::optional<double> offset = clockOffset_ ? clockOffset_() : std::nullopt;
+    timingStatus_.set(offset ? "LIVE · real eclipse clock (GPS)" : "LIVE · real eclipse clock");
+    anchorLive(ports_.clock.now() - base::Seconds{offset.value_or(0)});
     beginLiveRun();
-    log_.pushLog("Timing: LIVE. Armed to real eclipse UTC clock");
+    log_.pushLog(
+        offset ? absl::StrFormat("Timing: LIVE. Armed to GPS satellite UTC (%s was %+.1fs off, corrected)",
+                                 platformWords::computerAtStart, *offset)
+               : "Timing: LIVE. Armed to real eclipse UTC clock");
 }
 
 Transport::LiveAnchor Transport::liveAnchor() const {

@@ -9,6 +9,7 @@
 #include "rig/SleepGuard.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -54,6 +55,11 @@ public:
     void armRealEclipseTiming(bool force);
     /// True holds the arming up.
     void setArmCheck(std::function<bool()> holdsArming) { holdsArming_ = std::move(holdsArming); }
+
+    /// How far the computer's clock is ahead of satellite time, in seconds, where that is known: arming
+    /// corrects for it.
+    using ClockOffset = std::function<std::optional<double>()>;
+    void setClockOffset(ClockOffset clockOffset) { clockOffset_ = std::move(clockOffset); }
 
     /// Where a live run took its clock: the computer's time then, and the eclipse clock, which may be
     /// corrected to a better time source.
@@ -110,6 +116,7 @@ private:
     SleepGuard& sleepGuard_;
 
     std::function<bool()> holdsArming_;
+    ClockOffset clockOffset_;
     double clock_ = 0;
     double clockReadAt_ = 0; // uptime seconds
     base::Published<TimingMode> timingMode_{TimingMode::simulated};

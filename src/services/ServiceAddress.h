@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ports/Settings.h"
+#include "rig/SettingsKeys.h"
 
 #include <string>
 #include <string_view>
@@ -8,7 +9,7 @@
 namespace zenka::services {
 
 /// The setting of the server that the maker of the program runs, "https://host"; a deployment gives it.
-inline constexpr char serviceHostKey[] = "zenka.serviceHost";
+inline constexpr const char* serviceHostKey = rig::settingsKeys::serviceHost;
 
 /// The address of a path on that server; empty when no server is set or what is set is no address.
 std::string serviceAddress(const ports::Settings& settings, std::string_view path);

@@ -214,7 +214,7 @@ TEST_F(GPhoto2FamilyTest, aBodyWithOneShutterOrNoneGetsTheFramesAsWritten) {
 TEST_F(GPhoto2FamilyTest, aBodyThatWasTooBusyToTellItsShuttersIsAskedAgain) {
     plugIn(4, "Fuji Fujifilm X-T5", "X-T5", "F77");
     children->silentPort = "usb:001,004";
-    rig.model.heldSessions().startKeepAlive();
+    rig.model.batteries().startBatteryHeartbeat();
     detect();
     const auto body = std::dynamic_pointer_cast<cameras::GPhoto2Camera>(rig.model.roster().cameras().front());
     ASSERT_TRUE(body);

@@ -33,7 +33,7 @@ struct Reconnect : testing::Test {
             family->plugIn("N" + std::to_string(i));
         rig.model.detector().detectCameras();
         rig.run(5);
-        rig.model.heldSessions().startKeepAlive();
+        rig.model.batteries().startBatteryHeartbeat();
         std::string script;
         for (int i = 1; i <= bodies; ++i)
             roster.setLabelOfSerial("N" + std::to_string(i), "CAM" + std::to_string(i));

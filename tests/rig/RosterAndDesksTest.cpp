@@ -155,27 +155,6 @@ TEST(ScriptDesk, whatACompileMadeOfAnOlderTextIsNotTaken) {
     EXPECT_LT(std::abs(script.captures()[0].offsetSec - fresh), 7200) << "for the eclipse that is selected";
 }
 
-TEST(Announcer, cuesAreToldInOrderAndAJumpPassesThemOver) {
-    VirtualRig rig;
-    std::vector<std::string> commands;
-    rig.load("PLAY,MAX,-,00:20,f.wav, , , , , , , ,Filters off\n"
-             "COMMAND,MAX,-,00:20, , , , , , , , ,Lights;lights off\n"
-             "PLAY,MAX,+,00:20,f.wav, , , , , , , ,Filters on\n");
-    const double maximum = rig.model.site().contactTHours().at("MAX") * 3600;
-    rig.playFrom(maximum - 30);
-    rig.run(11);
-    ASSERT_GE(rig.lines.size(), 2U);
-    EXPECT_EQ(rig.lines[rig.lines.size() - 2], "🔊 MAX −20s: Filters off");
-    EXPECT_EQ(rig.lines.back(), "⚙︎ MAX −20s: Lights");
-    rig.model.announcer().setRunShell([&](const std::string& command) { commands.push_back(command); });
-    rig.model.transport().scrubTo(maximum + 25);
-    rig.run(5);
-    EXPECT_FALSE(rig.logged("Filters on"));
-    rig.model.transport().scrubTo(maximum - 25);
-    rig.run(10);
-    EXPECT_EQ(commands, std::vector<std::string>{"lights off"});
-}
-
 TEST(RigLog, keepsTheNewest200Lines) {
     VirtualRig rig;
     for (int i = 0; i < 250; ++i)

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "base/Uuid.h"
+#include "rig/BatteryWatch.h"
+#include "rig/BodyModes.h"
+#include "rig/CadenceAdvisor.h"
+#include "rig/CameraRoster.h"
+#include "rig/HealthMonitor.h"
+#include "rig/MutedGuard.h"
+#include "rig/ScriptDesk.h"
+#include "rig/ScriptValidator.h"
+#include "rig/SiteBook.h"
+#include "rig/SiteDesk.h"
+#include "rig/TimeSources.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zenka::rig {
+
+enum class PreflightStatus { ok, warn, fail };
+
+struct PreflightCheck {
+    base::Uuid id;
+    std::string title;
+    std::string detail; ///< what is the matter, and what to do about it
+    PreflightStatus status = PreflightStatus::ok;
+    bool holdsArming = true; ///< false for a warning that stands in every list
+
+    friend bool operator==(const PreflightCheck&, const PreflightCheck&) = default;
+};
+
+/// What the list is read from.
+struct PreflightSources {
+    const SiteDesk& site;
+    const SiteBook& sites;
+    const CameraRoster& roster;
+    const BodyModes& modes;
+    const ScriptDesk& script;
+    const ScriptValidator& validator;
+    const CadenceAdvisor& cadence;
+    const BatteryWatch& batteries;
+    const HealthMonitor& health;
+    const MutedGuard& audio;
+    const TimeSources& time;
+};
+
+/// Everything that could spoil a run, always in the same order. Reads what is known and asks nobody.
+std::vector<PreflightCheck> preflightChecks(const PreflightSources& rig);
+
+/// For bodies whose dials keep the script's exposures from applying: label, and what is wrong.
+std::vector<std::pair<std::string, std::string>>
+exposureProblems(const std::vector<CameraRoster::Camera>& cameras, const CameraRoster& roster,
+                 const BodyModes& modes);
+
+} // namespace zenka::rig
