@@ -28,7 +28,8 @@ public:
 
     QString sheet() const { return sheet_; }
     /// The sheet is open, or will be once a page to read that lies over it is closed.
-    bool holds(const QString& name) const { return sheet_ == name || sheetsBelow_.contains(name); }
+    bool holds(const QString& name) const { return sheet_ == name || holdsBelow(name); }
+    bool holdsBelow(const QString& name) const { return sheetsBelow_.contains(name); }
     Q_INVOKABLE void openSheet(const QString& name);
     /// Closes the sheet; a page to read gives way to the sheet that it was opened over.
     Q_INVOKABLE void closeSheet();

@@ -151,7 +151,10 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
 
     Menu(commands, "Timing")
         .add("simTiming", "Simulated Clock", "", sheet("LeaveLive"), live)
-        .add("armReal", "Arm Real Eclipse Clock", "", sheet("Arm"), simulated);
+        .add("preflight", "Pre-flight Checks…", "Ctrl+Shift+P", [&rig] { rig.preflight().openPreflight(); })
+        .add(
+            "armReal", "Arm Real Eclipse Clock", "",
+            [&rig, sheet] { rig.preflight().runPreflight(sheet("Arm")); }, simulated);
 
     Menu(commands, "Cameras")
         .add(
@@ -165,6 +168,9 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("cameraProfiler", "Camera Profiler…", "Ctrl+R", sheet("CameraProfiler"))
         .add(
             "analyzer", "Simulation Analyzer…", "Ctrl+Shift+A", [&analyzer] { analyzer.analyze(); },
+            simulated)
+        .add(
+            "exposureCheck", "Fire Exposure Check", "", [&rig] { rig.exposureCheck().runExposureCheck(); },
             simulated)
         .add("revealRunLogs", "Reveal Run Logs", "", [open, runLogs] { open(QUrl::fromLocalFile(runLogs)); });
 
@@ -185,6 +191,8 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("openWizardGuide", "Script Wizard", "", guide("Script Wizard", "script-wizard.md"))
         .add("openCameras", "Cameras", "", guide("Cameras", "cameras.md"))
         .add("openCameraTiming", "Camera Timing", "", guide("Camera Timing", "camera-timing.md"))
+        .add("openClockAndComputer", "Clock, Computer and Voice", "",
+             guide("Clock, Computer and Voice", "clock-and-computer.md"))
         .add("openRunAnalysis", "What Reached the Card", "",
              guide("What Reached the Card", "run-analysis.md"))
         .add("openFeatures", "Features & Roadmap", "", guide("Features & Roadmap", "roadmap.md"))

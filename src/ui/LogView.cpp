@@ -21,7 +21,7 @@ struct Mark {
 
 /// The first words or signs of the lines of the rig. Signs that fonts draw as coloured pictures have a plain
 /// shape here: at night no other colour than red may be on the screen.
-constexpr std::array<Mark, 20> marks{{{"⚠️ DROPPED", "▲", "dropped"},
+constexpr std::array<Mark, 25> marks{{{"⚠️ DROPPED", "▲", "dropped"},
                                       {"⏭ SKIPPED", "»", "skipped"},
                                       {"⏭", "»", "skipped"},
                                       {"⚠️", "⚠", "warning"},
@@ -40,7 +40,12 @@ constexpr std::array<Mark, 20> marks{{{"⚠️ DROPPED", "▲", "dropped"},
                                       {"✅", "✓", "good"},
                                       {"🔌", "↻", "run"},
                                       {"⏱", "◷", "measured"},
-                                      {"✓", "✓", "good"}}};
+                                      {"✓", "✓", "good"},
+                                      {"‼️", "■", "critical"},
+                                      {"🔋", "▲", "battery"},
+                                      {"🔇", "⊘", "not heard"},
+                                      {"🛰", "◉", "receiver"},
+                                      {"⛔️", "■", "refused"}}};
 
 /// Without the signs that fonts have as coloured pictures alone, and without the selectors between a sign's
 /// shape and its picture.

@@ -18,19 +18,24 @@
 #include "ui/EclipseList.h"
 #include "ui/EditTarget.h"
 #include "ui/GapProfilerView.h"
+#include "ui/HealthView.h"
 #include "ui/LibraryView.h"
 #include "ui/LocationView.h"
 #include "ui/LogView.h"
 #include "ui/NightPointer.h"
 #include "ui/NightSwitch.h"
+#include "ui/PreflightView.h"
 #include "ui/ScriptView.h"
 #include "ui/SkyItem.h"
 #include "ui/SkyView.h"
 #include "ui/TestShotView.h"
 #include "ui/Theme.h"
+#include "ui/TimeView.h"
 #include "ui/TimelineItem.h"
 #include "ui/TimelineView.h"
 #include "ui/UpdatesView.h"
+#include "ui/VoiceView.h"
+#include "ui/WarningsView.h"
 #include "ui/WizardView.h"
 #include "ui/WorldMapItem.h"
 
@@ -77,6 +82,11 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     context.setContextProperty(QStringLiteral("commands"), commands_);
     context.setContextProperty(QStringLiteral("clock"), new ClockView(rig, this));
     context.setContextProperty(QStringLiteral("chips"), new ChipsView(rig, this));
+    context.setContextProperty(QStringLiteral("time"), new TimeView(rig, this));
+    context.setContextProperty(QStringLiteral("health"), new HealthView(rig, this));
+    context.setContextProperty(QStringLiteral("warnings"), new WarningsView(rig, this));
+    context.setContextProperty(QStringLiteral("voice"), new VoiceView(rig, this));
+    context.setContextProperty(QStringLiteral("preflight"), new PreflightView(rig, *app_, this));
     context.setContextProperty(QStringLiteral("eclipses"), new EclipseList(rig, this));
     context.setContextProperty(QStringLiteral("sky"), new SkyView(rig, ports, this));
     auto* timeline = new TimelineView(rig, ports, this);

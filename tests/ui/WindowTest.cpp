@@ -58,7 +58,12 @@ TEST_F(Window, jumpsToATypedTimeAndSaysWhatIsWrongWithAnother) {
 }
 
 TEST_F(Window, armingTakesAKeyThatIsHeld) {
+    rig.model.site().confirmLocation(true);
     window->commands().trigger(QStringLiteral("armReal"));
+    rig.run(0.1);
+    window.settle();
+    ASSERT_EQ(window->app().sheet(), QStringLiteral("Preflight")) << "no body is connected";
+    rig.model.preflight().proceedPreflight();
     window.settle();
     ASSERT_EQ(window->app().sheet(), QStringLiteral("Arm"));
     QQuickItem* hold = window.named("armHold");

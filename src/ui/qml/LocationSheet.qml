@@ -58,6 +58,19 @@ SheetFrame {
                         name: "Time zone"; shown: location.zone; fault: location.zoneFault; note: location.zoneNote
                         onTyped: (text) => location.typeZone(text)
                     }
+                    RowLayout {
+                        Layout.fillWidth: true
+                        visible: time.gpsSiteLine !== ""
+                        spacing: 8
+                        ZLabel { Layout.fillWidth: true; text: time.gpsSiteLine; color: time.gpsLocked ? theme.text : theme.quiet }
+                        ZButton {
+                            objectName: "siteFromGps"
+                            text: "Use GPS"
+                            enabled: time.hasPosition
+                            onClicked: { time.usePosition(); location.reset() }
+                            Accessible.name: "Use the position of the GPS receiver"
+                        }
+                    }
                     SavedSites { Layout.fillWidth: true; Layout.topMargin: 6 }
                 }
             }

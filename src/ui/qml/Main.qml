@@ -48,6 +48,7 @@ ApplicationWindow {
             spacing: 4
 
             AlarmBar { Layout.fillWidth: true; visible: cameras.alarmText !== "" }
+            WarningBar { Layout.fillWidth: true; visible: warnings.text !== "" }
             PromptBar { Layout.fillWidth: true; visible: app.prompt !== "" }
 
             RowLayout {
@@ -110,6 +111,11 @@ ApplicationWindow {
         active: app.sheet !== ""
         source: app.sheet === "" ? "" : app.sheet + "Sheet.qml"
         onLoaded: item.forceActiveFocus()
+    }
+
+    // What is spoken, to be read over all else; it covers the log alone.
+    Caption {
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
     }
 
     Instantiator {

@@ -5,13 +5,14 @@ import QtQuick.Layouts
 SheetFrame {
     title: "Settings"
     wantedHeight: form.contentHeight
+    Component.onCompleted: voice.open()
     FormFlick {
         id: form
         anchors.fill: parent
         ColumnLayout {
             width: form.fieldsWidth
             spacing: 8
-            ZLabel { text: "Theme"; font.bold: true }
+            ZLabel { text: "Theme"; font.weight: Font.Bold }
             RowLayout {
                 spacing: 8
                 Repeater {
@@ -32,12 +33,57 @@ SheetFrame {
                 checked: theme.nightByItself
                 onToggled: theme.nightByItself = checked
             }
-            ZLabel { text: "Text size"; font.bold: true }
+            ZLabel { text: "Text size"; font.weight: Font.Bold }
             RowLayout {
                 spacing: 8
                 ZButton { text: "A −"; onClicked: theme.textScale = theme.textScale - 0.1; Accessible.name: "Smaller text" }
                 ZLabel { text: Math.round(theme.textScale * 100) + " %" + (theme.scale < theme.textScale ? "  (a larger window has room for it)" : "") }
                 ZButton { text: "A +"; onClicked: theme.textScale = theme.textScale + 0.1; Accessible.name: "Larger text" }
+            }
+            ZLabel { text: "Voice"; font.weight: Font.Bold }
+            ZCheck {
+                Layout.fillWidth: true
+                text: "Speak the script's cues"
+                checked: voice.cues
+                onToggled: voice.cues = checked
+            }
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: 8
+                PickList {
+                    id: voices
+                    objectName: "voices"
+                    Layout.fillWidth: true
+                    model: voice.voices
+                    currentIndex: voice.voice
+                    onActivated: (index) => voice.voice = index
+                    Accessible.name: "Voice"
+                }
+                ZButton { objectName: "testVoice"; text: "Test voice"; onClicked: voice.test() }
+            }
+            ZCheck {
+                Layout.fillWidth: true
+                text: "Say when a camera's battery is low"
+                checked: voice.lowBatteryAudio
+                onToggled: voice.lowBatteryAudio = checked
+            }
+            ZCheck {
+                Layout.fillWidth: true
+                text: "Say when a camera's battery is about to run out"
+                checked: voice.criticalBatteryAudio
+                onToggled: voice.criticalBatteryAudio = checked
+            }
+            SettingField {
+                name: "Low battery, percent"
+                value: voice.lowBattery
+                note: "A camera at or below it is told as low. 1 to 100."
+                onDecided: (text) => voice.typeLowBattery(text)
+            }
+            SettingField {
+                name: "Time server"
+                value: time.server
+                note: "The computer's clock is held against its date at start, before arming and on a click on the clock's chip. Empty: nobody is asked."
+                onDecided: (text) => time.server = text
             }
             SettingField {
                 name: "Elevation service"

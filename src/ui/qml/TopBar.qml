@@ -42,6 +42,7 @@ Rectangle {
             currentIndex: eclipses.current
             Layout.preferredWidth: 300
             Layout.fillWidth: true
+            Layout.minimumWidth: 150 * theme.scale
             Layout.maximumWidth: 420
             implicitHeight: Math.max(32, theme.normal + 18)
             font.pixelSize: theme.normal
@@ -105,32 +106,7 @@ Rectangle {
             elide: Text.ElideRight
             Accessible.name: "Site " + text
         }
-        Repeater {
-            model: chips.rows
-            delegate: Text {
-                required property var modelData
-                text: modelData.symbol + (bar.room > 1200 ? " " + modelData.text : "")
-                color: theme.text
-                font.pixelSize: theme.normal
-                font.weight: theme.weight
-                Accessible.role: Accessible.StaticText
-                Accessible.name: modelData.words
-                ZTip { visible: over.hovered; text: modelData.words }
-                // Not before the chip has its place: it is made in the window's corner.
-                HoverHandler { id: over; enabled: over.parent.x > 0 }
-            }
-        }
-        ZButton {
-            id: cardChip
-            objectName: "cardChip"
-            visible: chips.cards !== ""
-            Layout.maximumWidth: 190 * theme.scale // a longer name stands in the tip
-            text: "▤ " + (bar.room > 1200 ? chips.cards : chips.cardsBrief)
-            onClicked: commands.trigger("analyzer")
-            Accessible.name: chips.cards
-            Accessible.description: chips.cardsWords
-            ZTip { visible: cardChip.hovered && cardChip.x > 0; text: chips.cardsWords }
-        }
+        StatusChips { room: bar.room }
         Text {
             text: clock.siteTime + " " + clock.zoneName
             color: theme.text

@@ -3,6 +3,7 @@
 
 #include "exposure/ExposureScales.h"
 #include "support/ImageFiles.h"
+#include "support/NmeaSentences.h"
 #include "support/TempFolder.h"
 #include "support/TimedCamera.h"
 #include "support/VirtualRig.h"
@@ -185,6 +186,57 @@ void shootAnalyzer(test::VirtualRig& rig, ui::Window& window, Album& album) {
     }
 }
 
+/// The list before arming with much to mend, chips and their details, the bar of warnings and what is spoken,
+/// in every theme and size.
+void shootPreflight(test::VirtualRig& rig, ui::Window& window, Album& album) {
+    const auto body = std::make_shared<test::ScriptedCamera>("z8");
+    body->status = {.isManual = false, .modeName = "A", .batteryPercent = 9};
+    rig.model.roster().add(body);
+    rig.model.roster().setLabel(*body, "CAM1");
+    rig.model.modes().recheckModes();
+    test::nmea::Sky sky;
+    rig.serialPorts.stream("/dev/ttyACM0", [&sky](base::Instant wall) {
+        return test::nmea::second(wall - base::Seconds{5}, sky);
+    });
+    rig.sensors.now = {.thermal = ports::ThermalState::serious,
+                       .lowPowerMode = true,
+                       .onACPower = false,
+                       .hasInternalBattery = true,
+                       .batteryPercent = 19,
+                       .ticks = ports::ProcessorTicks{.user = 1, .sys = 1, .idle = 1},
+                       .freeDiskGB = 4.2,
+                       .socTempC = 83};
+    rig.speech.neverEnds = true;
+    rig.run(20);
+    for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
+        window.quickWindow()->resize(size);
+        for (const char* theme : {"Sunlight", "Dark", "Night"}) {
+            window.theme().choose(QString::fromLatin1(theme));
+            const auto shoot = [&](const char* page) {
+                album.shoot("Preflight-" + std::string(page) + "-" + theme + "-" +
+                            std::to_string(size.width()));
+            };
+            rig.model.announcer().speak("Two minutes to totality. Filters off.");
+            shoot("chips");
+            for (const char* chip : {"clockChip", "gpsChip", "healthChip"}) {
+                QObject* more = window.quickWindow()->findChild<QObject*>(QString::fromLatin1(chip) +
+                                                                          QStringLiteral("More"));
+                QMetaObject::invokeMethod(more, "open");
+                shoot(chip);
+                QMetaObject::invokeMethod(more, "close");
+            }
+            rig.model.preflight().runPreflight([] {});
+            rig.run(0.1);
+            shoot("list");
+            if (auto* rows = window.quickWindow()->findChild<QObject*>(QStringLiteral("preflightRows")))
+                rows->setProperty("contentY", 300);
+            shoot("further");
+            window.app().closeSheet();
+            rig.run(60);
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -265,6 +317,12 @@ int main(int argc, char** argv) {
     rig.model.transport().togglePlay(); // in a run nothing is measured
     const double now = rig.model.transport().clock();
     rig.load(rig.frameAt(now + 20, "CAM4") + rig.frameAt(now + 20.3, "CAM4"));
-    shootProfilers(rig, window, album);
-    shootAnalyzer(rig, window, album);
+    const bool all = argc <= 3;
+    const auto wanted = [&](const char* sheet) { return all || sheet == std::string(argv[3]); };
+    if (wanted("GapProfiler"))
+        shootProfilers(rig, window, album);
+    if (wanted("Analyzer"))
+        shootAnalyzer(rig, window, album);
+    if (wanted("Preflight"))
+        shootPreflight(rig, window, album);
 }

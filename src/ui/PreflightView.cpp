@@ -1,0 +1,154 @@
+#include "ui/PreflightView.h"
+
+#include "rig/RigModel.h"
+#include "ui/AppView.h"
+#include "ui/Observe.h"
+#include "ui/QtText.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <utility>
+
+namespace zenka::ui {
+
+using rig::PreflightStatus;
+
+namespace {
+
+constexpr QLatin1String sheetName("Preflight");
+
+const char* symbolOf(PreflightStatus status) {
+    switch (status) {
+    case PreflightStatus::ok: return "✓";
+    case PreflightStatus::warn: return "▲";
+    case PreflightStatus::fail: return "■";
+    }
+    return "";
+}
+
+const char* wordOf(PreflightStatus status) {
+    switch (status) {
+    case PreflightStatus::ok: return "OK";
+    case PreflightStatus::warn: return "LOOK";
+    case PreflightStatus::fail: return "MEND";
+    }
+    return "";
+}
+
+const char* nameOf(PreflightStatus status) {
+    switch (status) {
+    case PreflightStatus::ok: return "ok";
+    case PreflightStatus::warn: return "warn";
+    case PreflightStatus::fail: return "fail";
+    }
+    return "";
+}
+
+} // namespace
+
+PreflightView::PreflightView(rig::RigModel& rig, AppView& app, QObject* parent)
+    : RowList(parent), rig_(rig), app_(app) {
+    observe(this, rig.preflight().showPreflight().changed(), [this](bool show) {
+        refresh();
+        if (show)
+            app_.openSheet(sheetName);
+        else if (app_.holds(sheetName))
+            app_.closeSheet();
+    });
+    observe(this, rig.preflight().locationWanted(), [this] { app_.openSheet(QStringLiteral("Location")); });
+    connect(&app, &AppView::sheetClosing, this, [this](const QString& name) {
+        // A page to read lies over it for a while only.
+        if (name == sheetName && !app_.holdsBelow(sheetName))
+            rig_.preflight().cancelPreflight();
+    });
+    const auto look = [this](const auto&...) { soon(); };
+    observe(this, rig.preflight().rechecked(), [this] { soon(); });
+    observe(this, rig.modes().changed(), [this] { soon(); });
+    observe(this, rig.roster().changed(), [this] { soon(); });
+    observe(this, rig.health().sampled(), [this] { soon(); });
+    observe(this, rig.time().changed(), [this] { soon(); });
+    observe(this, rig.script().compiled(), [this] { soon(); });
+    observe(this, rig.site().recomputed(), [this] { soon(); });
+    observe(this, rig.audio().systemMuted().changed(), look);
+    observe(this, rig.reconnect().disconnectedNames().changed(), look);
+}
+
+/// Many things change at a time, and none of them in a tick that has to go on.
+void PreflightView::soon() {
+    if (!rig_.preflight().showPreflight().get() || std::exchange(waiting_, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            waiting_ = false;
+            refresh();
+        },
+        Qt::QueuedConnection);
+}
+
+void PreflightView::refresh() {
+    if (rig_.preflight().showPreflight().get())
+        setRows(rig_.preflight().checks());
+    Q_EMIT changed();
+}
+
+qsizetype PreflightView::countOf(PreflightStatus status) const {
+    return std::ranges::count(rows(), status, &rig::PreflightCheck::status);
+}
+
+QString PreflightView::summary() const {
+    QStringList parts;
+    const auto add = [&](PreflightStatus status, const char* words) {
+        if (const qsizetype count = countOf(status))
+            parts.append(QStringLiteral("%1 %2 %3")
+                             .arg(QString::fromUtf8(symbolOf(status)), QString::number(count),
+                                  QString::fromUtf8(words)));
+    };
+    add(PreflightStatus::fail, "to mend");
+    add(PreflightStatus::warn, "to look at");
+    add(PreflightStatus::ok, "fine");
+    return parts.join(QStringLiteral("  ·  "));
+}
+
+QString PreflightView::place() const {
+    const std::string& place = rig_.preflight().sitePlace().get();
+    return place.empty() ? QString() : QStringLiteral("By the map you stand at %1.").arg(qt(place));
+}
+
+bool PreflightView::fails() const {
+    return countOf(PreflightStatus::fail) > 0;
+}
+
+bool PreflightView::mayProceed() const {
+    return rig_.preflight().mayProceed();
+}
+
+void PreflightView::recheck() {
+    rig_.preflight().recheck();
+}
+
+void PreflightView::proceed() {
+    rig_.preflight().proceedPreflight();
+}
+
+QVariant PreflightView::valueOf(const rig::PreflightCheck& row, int role) const {
+    switch (role) {
+    case titleRole: return qt(row.title);
+    case detailRole: return qt(row.detail);
+    case symbolRole: return QString::fromUtf8(symbolOf(row.status));
+    case wordRole: return QString::fromUtf8(wordOf(row.status));
+    case statusRole: return QString::fromUtf8(nameOf(row.status));
+    default: return {};
+    }
+}
+
+QHash<int, QByteArray> PreflightView::roleNames() const {
+    return {{titleRole, "title"},
+            {detailRole, "detail"},
+            {symbolRole, "symbol"},
+            {wordRole, "word"},
+            {statusRole, "status"}};
+}
+
+} // namespace zenka::ui
