@@ -71,6 +71,21 @@ std::string BodyModes::warningOf(const std::string& cameraId) const {
     return {};
 }
 
+std::vector<std::pair<std::string, std::string>>
+BodyModes::exposureProblems(const std::vector<CameraRoster::Camera>& cameras) const {
+    std::vector<std::pair<std::string, std::string>> problems;
+    for (const auto& camera : cameras) {
+        const Mode mode = of(camera->id());
+        if (!mode.isManual.value_or(true))
+            problems.emplace_back(roster_.labelFor(*camera),
+                                  "on " + (mode.modeName.empty() ? "another mode" : mode.modeName) +
+                                      ", not M");
+        else if (mode.autoIso.value_or(false))
+            problems.emplace_back(roster_.labelFor(*camera), "on Auto-ISO");
+    }
+    return problems;
+}
+
 void BodyModes::carry(const std::string& fromId, const std::string& toId) {
     if (const auto found = modes_.find(fromId); found != modes_.end() && fromId != toId) {
         modes_[toId] = found->second;

@@ -7,6 +7,8 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace zenka::rig {
 
@@ -42,6 +44,9 @@ public:
     Mode of(const std::string& cameraId) const;
     /// What is wrong with a body's dials, for its card; empty for nothing.
     std::string warningOf(const std::string& cameraId) const;
+    /// For the bodies whose dials keep the script's exposures from applying: label, and what is wrong.
+    std::vector<std::pair<std::string, std::string>>
+    exposureProblems(const std::vector<CameraRoster::Camera>& cameras) const;
     /// A body has got another driver.
     void carry(const std::string& fromId, const std::string& toId);
 

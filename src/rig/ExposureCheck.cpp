@@ -34,9 +34,10 @@ struct ExposureCheck::Check {
 };
 
 ExposureCheck::ExposureCheck(const ports::Ports& ports, RigLog& log, const CameraRoster& roster,
-                             const Transport& transport, ManualFire& manualFire, BodiesInUse& inUse)
-    : ports_(ports), log_(log), roster_(roster), transport_(transport), manualFire_(manualFire),
-      inUse_(inUse), queue_(ports.queues.serial("exposure check")) {
+                             const Transport& transport, const BodyModes& modes, ManualFire& manualFire,
+                             BodiesInUse& inUse)
+    : ports_(ports), log_(log), roster_(roster), transport_(transport), modes_(modes),
+      manualFire_(manualFire), inUse_(inUse), queue_(ports.queues.serial("exposure check")) {
 }
 
 void ExposureCheck::runExposureCheck() {
@@ -58,6 +59,9 @@ void ExposureCheck::runExposureCheck() {
         log_.pushLog("Exposure check: " + label + " is gone or busy. Try again when it is free.");
         return;
     }
+    for (const auto& [name, problem] : modes_.exposureProblems({*found}))
+        log_.pushLog("⚠️ Exposure check: " + name + " is " + problem +
+                     ", so what is sent may not apply.");
     running_.set(true);
     const auto check = std::make_shared<Check>();
     check->camera = *found;

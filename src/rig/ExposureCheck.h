@@ -4,6 +4,7 @@
 #include "base/Published.h"
 #include "ports/Ports.h"
 #include "rig/BodiesInUse.h"
+#include "rig/BodyModes.h"
 #include "rig/CameraRoster.h"
 #include "rig/ManualFire.h"
 #include "rig/RigLog.h"
@@ -21,7 +22,8 @@ namespace zenka::rig {
 class ExposureCheck {
 public:
     ExposureCheck(const ports::Ports& ports, RigLog& log, const CameraRoster& roster,
-                  const Transport& transport, ManualFire& manualFire, BodiesInUse& inUse);
+                  const Transport& transport, const BodyModes& modes, ManualFire& manualFire,
+                  BodiesInUse& inUse);
 
     /// On the first body behind the universal driver. Not in a run; a second call while one is under way does
     /// nothing.
@@ -40,6 +42,7 @@ private:
     RigLog& log_;
     const CameraRoster& roster_;
     const Transport& transport_;
+    const BodyModes& modes_;
     ManualFire& manualFire_;
     BodiesInUse& inUse_;
     base::Published<bool> running_{false};

@@ -378,19 +378,4 @@ std::vector<PreflightCheck> preflightChecks(const PreflightSources& rig) {
     return list.checks;
 }
 
-std::vector<std::pair<std::string, std::string>>
-exposureProblems(const Cameras& cameras, const CameraRoster& roster, const BodyModes& modes) {
-    std::vector<std::pair<std::string, std::string>> problems;
-    for (const auto& camera : cameras) {
-        const BodyModes::Mode mode = modes.of(camera->id());
-        if (mode.isManual == false)
-            problems.emplace_back(roster.labelFor(*camera),
-                                  "on " + (mode.modeName.empty() ? "another mode" : mode.modeName) +
-                                      ", not M");
-        else if (mode.autoIso == true)
-            problems.emplace_back(roster.labelFor(*camera), "Auto-ISO on");
-    }
-    return problems;
-}
-
 } // namespace zenka::rig

@@ -14,7 +14,6 @@
 #include "rig/TimeSources.h"
 
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace zenka::rig {
@@ -48,10 +47,5 @@ struct PreflightSources {
 
 /// Everything that could spoil a run, always in the same order. Reads what is known and asks nobody.
 std::vector<PreflightCheck> preflightChecks(const PreflightSources& rig);
-
-/// For bodies whose dials keep the script's exposures from applying: label, and what is wrong.
-std::vector<std::pair<std::string, std::string>>
-exposureProblems(const std::vector<CameraRoster::Camera>& cameras, const CameraRoster& roster,
-                 const BodyModes& modes);
 
 } // namespace zenka::rig

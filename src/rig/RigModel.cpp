@@ -44,7 +44,7 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
                   .audio = audio_,
                   .time = time_},
                  time_, validator_, modes_),
-      exposureCheck_(ports_, log_, roster_, transport_, manualFire_, inUse_),
+      exposureCheck_(ports_, log_, roster_, transport_, modes_, manualFire_, inUse_),
       renderPace_(ports_.clock, transport_, [this] { return timeToNextEvent(); }),
       fireClock_(
           ports_, log_, transport_, [this](double dt) { advance(dt); }, [this] { return nextDue(); }) {

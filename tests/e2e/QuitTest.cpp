@@ -27,7 +27,7 @@ struct Quit : testing::Test {
             std::vector<std::string>{"HOME=" + home.string(),
                                      "XDG_CONFIG_HOME=", "XDG_DATA_HOME=", "XDG_RUNTIME_DIR=" + home.string(),
                                      "QT_QPA_PLATFORM=offscreen", "QT_QUICK_BACKEND=software",
-                                     "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere",
+                                     "ZENKA_TIME_SERVER=", "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere",
                                      "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere"});
     }
     fs::path support() const { return home / ".local/share/ZenkaRig"; }

@@ -23,12 +23,26 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def any(self):
         length = int(self.headers.get("Content-Length") or 0)
         sent = self.rfile.read(length)
-        path = self.path
+        path = self.path.rstrip("/")  # a check of the clock asks for a folder
         if path == "/echo":
             words = f"{self.command} {self.headers.get('X-Word')} {self.headers.get('User-Agent')} "
             self.reply(200, words.encode() + sent, [("X-Answer", "Yes")])
         elif path.startswith("/status/"):
             self.reply(int(path.removeprefix("/status/")), b"said")
+        elif path.startswith("/date/"):  # a Date of one's own, or none
+            kind = path.split("/")[2]
+            if kind == "slow":
+                time.sleep(1.5)
+            if kind == "moved":
+                self.reply(302, b"", [("Location", "/date/right/")])
+                return
+            ahead = {"right": 0, "hour": 3600, "absurd": 0}.get(kind, 0)
+            date = "Sat, 99 Foo 20x6 99:99:99 GMT" if kind == "absurd" else self.date_time_string(time.time() + ahead)
+            self.send_response_only(200)
+            if kind != "absent":
+                self.send_header("Date", date)
+            self.send_header("Content-Length", "0")
+            self.end_headers()
         elif path == "/moved":
             self.reply(302, b"elsewhere", [("Location", "/echo")])
         elif path == "/circle":

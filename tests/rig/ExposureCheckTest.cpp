@@ -13,6 +13,8 @@ TEST(ExposureCheck, firesAFrameForEachShutterAndWritesDownWhatWasSent) {
     rig.model.exposureCheck().runExposureCheck();
     EXPECT_TRUE(rig.logged("Exposure check: no universal-driver camera connected."));
     const auto body = rig.addBody("CAM1");
+    body->status.isManual = false;
+    rig.model.modes().recheckModes();
     body->choices.shutter = {"1/1000", "1/250"};
     for (int i = 0; i < 9; ++i)
         body->outcomes.push_back({.ok = true, .responded = true, .sentShutter = i == 2 ? "1/250" : "1/255"});
@@ -21,6 +23,7 @@ TEST(ExposureCheck, firesAFrameForEachShutterAndWritesDownWhatWasSent) {
     rig.model.exposureCheck().runExposureCheck();
     rig.run(60);
     EXPECT_EQ(body->shots.size(), 9U) << "the second call did nothing";
+    EXPECT_TRUE(rig.logged("⚠️ Exposure check: CAM1 is on another mode, not M,"));
     EXPECT_TRUE(rig.logged("Exposure check on CAM1 with 2 shutter values known"));
     EXPECT_TRUE(rig.logged("Exposure check: done. Wrote Zenka exposure check "));
     const std::string text = rig.files.only(".txt");

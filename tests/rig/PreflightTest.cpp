@@ -135,7 +135,7 @@ TEST_F(PreflightTest, dialsThatSpoilExposuresStopArming) {
                 ElementsAre(HasSubstr(
                     "on CAM3. That is not a failure, but it means the checks above cannot vouch for it,")));
     EXPECT_THAT(rows("Battery"), ElementsAre("fail: CAM2 critically low. Swap before you arm."));
-    const auto problems = exposureProblems({body, second, silent}, rig.model.roster(), rig.model.modes());
+    const auto problems = rig.model.modes().exposureProblems({body, second, silent});
     EXPECT_THAT(problems, ElementsAre(std::pair<std::string, std::string>("CAM2", "on A, not M")));
 
     rig.model.roster().setDisconnected(second->id(), true);

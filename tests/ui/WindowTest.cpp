@@ -57,6 +57,17 @@ TEST_F(Window, jumpsToATypedTimeAndSaysWhatIsWrongWithAnother) {
     EXPECT_TRUE(window->app().sheet().isEmpty());
 }
 
+TEST_F(Window, aTimeThatIsTypedWhileTheClockRunsStays) {
+    rig.load("");
+    transport().togglePlay();
+    key(Qt::Key_0, Qt::ControlModifier);
+    type(QStringLiteral("20:05"));
+    rig.run(3);
+    window.settle();
+    type(QStringLiteral(":30"));
+    EXPECT_EQ(window.named("jumpField")->property("text").toString(), QStringLiteral("20:05:30"));
+}
+
 TEST_F(Window, armingTakesAKeyThatIsHeld) {
     rig.model.site().confirmLocation(true);
     window->commands().trigger(QStringLiteral("armReal"));

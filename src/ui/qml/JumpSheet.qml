@@ -13,10 +13,13 @@ SheetFrame {
             id: field
             objectName: "jumpField"
             focus: true
-            text: clock.siteTime
             Layout.fillWidth: true
             Accessible.name: "Time of day at the site"
-            Component.onCompleted: selectAll()
+            // not bound to the clock, which goes on while one types
+            Component.onCompleted: {
+                text = clock.siteTime
+                selectAll()
+            }
             onAccepted: go()
             Keys.onUpPressed: (event) => text = clock.nudged(text, event.modifiers & Qt.ShiftModifier ? 60 : 1)
             Keys.onDownPressed: (event) => text = clock.nudged(text, event.modifiers & Qt.ShiftModifier ? -60 : -1)
