@@ -6,7 +6,7 @@ import QtQuick.Layouts
 SheetFrame {
     id: sheet
     title: "Pre-flight"
-    sheetWidth: 860
+    sheetWidth: 860 * theme.scale
     grow: height < 640
     wantedHeight: Math.max(320, Math.min(sheet.height - 120, rows.contentHeight + 150))
     readonly property string keysHere: "Up, down: through the list. Tab: to the buttons. F5: look again. Escape: back."
@@ -96,8 +96,11 @@ SheetFrame {
             spacing: 8
             ZButton { objectName: "recheck"; text: "Re-check (F5)"; onClicked: preflight.recheck(); Accessible.name: "Re-check" }
             ZButton { text: "Location…"; onClicked: commands.trigger("location") }
-            Item { Layout.fillWidth: true }
-            ZLabel { visible: word.visible; text: "A check fails. To go on all the same, type ARM:" }
+            ZLabel {
+                Layout.fillWidth: true
+                horizontalAlignment: Text.AlignRight
+                text: word.visible ? "To go on all the same, type ARM:" : ""
+            }
             ZField {
                 id: word
                 objectName: "armWord"
