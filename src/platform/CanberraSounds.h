@@ -12,7 +12,7 @@
 namespace zenka::platform {
 
 /// Sounds of the desktop's sound theme by libcanberra; the names are those of the freedesktop.org sound
-/// naming specification ("bell"). The library may wait for a sound server, so a thread of its own gives it
+/// naming rules ("bell"). The library may wait for a sound server, so a thread of its own gives it
 /// the sounds; the library itself plays them, side by side. Destroying the object ends what still sounds, and
 /// waits half a second at most.
 class CanberraSounds final : public ports::AlertSounds {

@@ -38,6 +38,20 @@ std::string reasonOf(const rig::SystemHealth& health) {
     return "OK";
 }
 
+struct Told {
+    QString symbol;
+    QString word;
+};
+
+Told toldAs(Severity severity) {
+    switch (severity) {
+    case Severity::good: return {QStringLiteral("✓"), QStringLiteral("good")};
+    case Severity::warning: return {QStringLiteral("▲"), QStringLiteral("warning")};
+    case Severity::critical: return {QStringLiteral("■"), QStringLiteral("critical")};
+    }
+    return {};
+}
+
 QVariantMap row(const char* name, const std::string& value) {
     return {{QStringLiteral("name"), QString::fromUtf8(name)},
             {QStringLiteral("value"), value.empty() ? QStringLiteral("not told") : qt(value)}};
@@ -63,21 +77,11 @@ QString HealthView::brief() const {
 }
 
 QString HealthView::symbol() const {
-    switch (rig_.health().health().get().worst()) {
-    case Severity::good: return QStringLiteral("✓");
-    case Severity::warning: return QStringLiteral("▲");
-    case Severity::critical: return QStringLiteral("■");
-    }
-    return {};
+    return toldAs(rig_.health().health().get().worst()).symbol;
 }
 
 QString HealthView::severity() const {
-    switch (rig_.health().health().get().worst()) {
-    case Severity::good: return QStringLiteral("good");
-    case Severity::warning: return QStringLiteral("warning");
-    case Severity::critical: return QStringLiteral("critical");
-    }
-    return {};
+    return toldAs(rig_.health().health().get().worst()).word;
 }
 
 QVariantList HealthView::rows() const {

@@ -18,31 +18,20 @@ namespace {
 
 constexpr QLatin1String sheetName("Preflight");
 
-const char* symbolOf(PreflightStatus status) {
-    switch (status) {
-    case PreflightStatus::ok: return "✓";
-    case PreflightStatus::warn: return "▲";
-    case PreflightStatus::fail: return "■";
-    }
-    return "";
-}
+/// How a status is told: by shape, by word, and to the sheet.
+struct Look {
+    QString symbol;
+    QString word;
+    QString name;
+};
 
-const char* wordOf(PreflightStatus status) {
+Look lookOf(PreflightStatus status) {
     switch (status) {
-    case PreflightStatus::ok: return "OK";
-    case PreflightStatus::warn: return "LOOK";
-    case PreflightStatus::fail: return "MEND";
+    case PreflightStatus::ok: return {QStringLiteral("✓"), QStringLiteral("OK"), QStringLiteral("ok")};
+    case PreflightStatus::warn: return {QStringLiteral("▲"), QStringLiteral("LOOK"), QStringLiteral("warn")};
+    case PreflightStatus::fail: return {QStringLiteral("■"), QStringLiteral("MEND"), QStringLiteral("fail")};
     }
-    return "";
-}
-
-const char* nameOf(PreflightStatus status) {
-    switch (status) {
-    case PreflightStatus::ok: return "ok";
-    case PreflightStatus::warn: return "warn";
-    case PreflightStatus::fail: return "fail";
-    }
-    return "";
+    return {};
 }
 
 } // namespace
@@ -102,8 +91,7 @@ QString PreflightView::summary() const {
     const auto add = [&](PreflightStatus status, const char* words) {
         if (const qsizetype count = countOf(status))
             parts.append(QStringLiteral("%1 %2 %3")
-                             .arg(QString::fromUtf8(symbolOf(status)), QString::number(count),
-                                  QString::fromUtf8(words)));
+                             .arg(lookOf(status).symbol, QString::number(count), QLatin1String(words)));
     };
     add(PreflightStatus::fail, "to mend");
     add(PreflightStatus::warn, "to look at");
@@ -136,9 +124,9 @@ QVariant PreflightView::valueOf(const rig::PreflightCheck& row, int role) const 
     switch (role) {
     case titleRole: return qt(row.title);
     case detailRole: return qt(row.detail);
-    case symbolRole: return QString::fromUtf8(symbolOf(row.status));
-    case wordRole: return QString::fromUtf8(wordOf(row.status));
-    case statusRole: return QString::fromUtf8(nameOf(row.status));
+    case symbolRole: return lookOf(row.status).symbol;
+    case wordRole: return lookOf(row.status).word;
+    case statusRole: return lookOf(row.status).name;
     default: return {};
     }
 }
