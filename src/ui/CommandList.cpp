@@ -5,6 +5,7 @@
 #include "ui/AppView.h"
 #include "ui/Commands.h"
 #include "ui/EditTarget.h"
+#include "ui/PreflightView.h"
 #include "ui/Theme.h"
 
 #include <QQuickItem>
@@ -85,7 +86,8 @@ void addEdit(Commands& commands, EditTarget& edit) {
 } // namespace
 
 void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme& theme, EditTarget& edit,
-                     AnalyzerView& analyzer, const std::function<QQuickWindow*()>& window,
+                     AnalyzerView& analyzer, PreflightView& preflight,
+                     const std::function<QQuickWindow*()>& window,
                      const std::function<void(const QUrl&)>& open, const QString& runLogs) {
     const auto sheet = [&app](const char* name) {
         return [&app, name] { app.openSheet(QString::fromLatin1(name)); };
@@ -154,7 +156,8 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("preflight", "Pre-flight Checks…", "Ctrl+Shift+P", [&rig] { rig.preflight().openPreflight(); })
         .add(
             "armReal", "Arm Real Eclipse Clock", "",
-            [&rig, sheet] { rig.preflight().runPreflight(sheet("Arm")); }, simulated);
+            [&rig, &preflight] { rig.preflight().runPreflight([&preflight] { preflight.openArming(); }); },
+            simulated);
 
     Menu(commands, "Cameras")
         .add(

@@ -38,14 +38,9 @@ Look lookOf(PreflightStatus status) {
 
 PreflightView::PreflightView(rig::RigModel& rig, AppView& app, QObject* parent)
     : RowList(parent), rig_(rig), app_(app) {
-    observe(this, rig.preflight().showPreflight().changed(), [this](bool show) {
-        refresh();
-        if (show)
-            app_.openSheet(sheetName);
-        else if (app_.holds(sheetName))
-            app_.closeSheet();
-    });
-    observe(this, rig.preflight().locationWanted(), [this] { app_.openSheet(QStringLiteral("Location")); });
+    observe(this, rig.preflight().showPreflight().changed(), [this](bool) { later([this] { follow(); }); });
+    observe(this, rig.preflight().locationWanted(),
+            [this] { later([this] { app_.openSheet(QStringLiteral("Location")); }); });
     connect(&app, &AppView::sheetClosing, this, [this](const QString& name) {
         // A page to read lies over it for a while only.
         if (name == sheetName && !app_.holdsBelow(sheetName))
@@ -63,17 +58,31 @@ PreflightView::PreflightView(rig::RigModel& rig, AppView& app, QObject* parent)
     observe(this, rig.reconnect().disconnectedNames().changed(), look);
 }
 
-/// Many things change at a time, and none of them in a tick that has to go on.
+/// Not in the middle of a tick: a sheet takes its time to be made.
+void PreflightView::later(const std::function<void()>& what) {
+    QMetaObject::invokeMethod(this, what, Qt::QueuedConnection);
+}
+
+void PreflightView::follow() {
+    refresh();
+    if (rig_.preflight().showPreflight().get())
+        app_.openSheet(sheetName);
+    else if (app_.holds(sheetName))
+        app_.closeSheet();
+}
+
+void PreflightView::openArming() {
+    later([this] { app_.openSheet(QStringLiteral("Arm")); });
+}
+
+/// Many things change at a time.
 void PreflightView::soon() {
     if (!rig_.preflight().showPreflight().get() || std::exchange(waiting_, true))
         return;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            waiting_ = false;
-            refresh();
-        },
-        Qt::QueuedConnection);
+    later([this] {
+        waiting_ = false;
+        refresh();
+    });
 }
 
 void PreflightView::refresh() {

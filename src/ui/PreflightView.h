@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace zenka::rig {
 class RigModel;
 }
@@ -32,6 +34,8 @@ public:
     bool fails() const;
     bool mayProceed() const;
 
+    /// What a list with nothing wrong goes on to.
+    void openArming();
     Q_INVOKABLE void recheck();
     Q_INVOKABLE void proceed();
 
@@ -44,6 +48,8 @@ protected:
     QVariant valueOf(const rig::PreflightCheck& row, int role) const override;
 
 private:
+    void later(const std::function<void()>& what);
+    void follow();
     void soon();
     void refresh();
     qsizetype countOf(rig::PreflightStatus status) const;

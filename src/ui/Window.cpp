@@ -63,9 +63,10 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     theme_ = new Theme(ports.settings, this);
     const auto open = [this](const QUrl& address) { openUrl_(address); };
     auto* analyzer = new AnalyzerView(rig, *app_, open, this);
+    auto* preflight = new PreflightView(rig, *app_, this);
     declareCommands(
-        *commands_, rig, *app_, *theme_, *edit_, *analyzer, [this] { return quickWindow(); }, open,
-        QString::fromStdString(ports.folders.runLogs().string()));
+        *commands_, rig, *app_, *theme_, *edit_, *analyzer, *preflight, [this] { return quickWindow(); },
+        open, QString::fromStdString(ports.folders.runLogs().string()));
     new NightSwitch(rig, *theme_, this);
     new NightPointer(*theme_, this);
 
@@ -86,7 +87,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     context.setContextProperty(QStringLiteral("health"), new HealthView(rig, this));
     context.setContextProperty(QStringLiteral("warnings"), new WarningsView(rig, this));
     context.setContextProperty(QStringLiteral("voice"), new VoiceView(rig, this));
-    context.setContextProperty(QStringLiteral("preflight"), new PreflightView(rig, *app_, this));
+    context.setContextProperty(QStringLiteral("preflight"), preflight);
     context.setContextProperty(QStringLiteral("eclipses"), new EclipseList(rig, this));
     context.setContextProperty(QStringLiteral("sky"), new SkyView(rig, ports, this));
     auto* timeline = new TimelineView(rig, ports, this);
