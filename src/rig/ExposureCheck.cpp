@@ -60,8 +60,8 @@ void ExposureCheck::runExposureCheck() {
         return;
     }
     for (const auto& [name, problem] : modes_.exposureProblems({*found}))
-        log_.pushLog("⚠️ Exposure check: " + name + " is " + problem +
-                     ", so what is sent may not apply.");
+        log_.pushLog(absl::StrFormat("⚠️ Exposure check: %s is %s, so what is sent may not apply.", name,
+                                     problem));
     running_.set(true);
     const auto check = std::make_shared<Check>();
     check->camera = *found;

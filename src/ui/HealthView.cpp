@@ -34,7 +34,7 @@ std::string reasonOf(const rig::SystemHealth& health) {
     if (health.lowPowerMode)
         return "power saver";
     if (health.cpuUsagePercent >= 90.0)
-        return absl::StrFormat("CPU %.0f %%", *health.cpuUsagePercent);
+        return absl::StrFormat("CPU %.0f %%", health.cpuUsagePercent.value_or(0));
     return "OK";
 }
 
