@@ -109,7 +109,10 @@ TEST_F(WindowPreflight, aPageReadOverTheListComesBackToItAndTheDefaultSiteLeadsT
 }
 
 TEST_F(WindowPreflight, theChipsTellClockReceiverAndComputerByKey) {
+    ASSERT_TRUE(rig.http.waiting.empty());
     EXPECT_TRUE(chipSays("clockChip", QStringLiteral("Time source: system clock only")));
+    EXPECT_EQ(rig.http.waiting.size(), 1U) << "to open it is to check again";
+    rig.http.fail("the time ran out");
     EXPECT_EQ(window.named("gpsChip"), nullptr);
     test::nmea::Sky sky{.hasFix = false};
     rig.serialPorts.stream(

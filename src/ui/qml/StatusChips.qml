@@ -16,6 +16,7 @@ RowLayout {
         lines: [time.clockWords, time.serviceWords, time.checkWords]
         offer: time.checking ? "" : "Check again"
         onActed: time.checkAgain()
+        onClicked: time.checkAgain() // besides opening
     }
     Chip {
         objectName: "gpsChip"
