@@ -9,20 +9,20 @@ namespace zenka::cameras {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 std::string toJson(const std::vector<CameraLibraryEntry>& entries) {
-    Json list = Json::array();
+    OrderedJson list = OrderedJson::array();
     for (const CameraLibraryEntry& entry : entries) {
-        Json item{{"serial", entry.serial}, {"model", entry.model}, {"label", entry.label}};
+        OrderedJson item{{"serial", entry.serial}, {"model", entry.model}, {"label", entry.label}};
         if (entry.lens)
             item["lens"] = *entry.lens;
         list.push_back(std::move(item));
     }
-    return list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return list.dump(2, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
 }
 
-std::optional<CameraLibraryEntry> fromJson(const Json& item) {
+std::optional<CameraLibraryEntry> fromJson(const OrderedJson& item) {
     const auto text = [&](const char* key) -> std::optional<std::string> {
         const auto found = item.find(key);
         if (found == item.end() || !found->is_string())
@@ -68,9 +68,9 @@ std::optional<std::string> CameraLibrary::load() {
     const auto text = disk_.read(file_);
     if (!text)
         return std::nullopt;
-    const Json list = Json::parse(*text, nullptr, false);
+    const OrderedJson list = OrderedJson::parse(*text, nullptr, false);
     bool whole = list.is_array();
-    for (const Json& item : whole ? list : Json::array()) {
+    for (const OrderedJson& item : whole ? list : OrderedJson::array()) {
         if (const auto entry = fromJson(item))
             putInto(entries_, *entry);
         else

@@ -11,7 +11,7 @@
 namespace zenka::geo {
 namespace {
 
-constexpr std::uint32_t version = 1;
+constexpr std::uint32_t timeZonesVersion = 1;
 constexpr std::size_t gridSize = 512;
 constexpr double edgeLon = 179.9999;
 constexpr double edgeLat = 89.9999;
@@ -34,7 +34,7 @@ std::size_t cellOf(double position) {
 } // namespace
 
 TimeZoneAreas::TimeZoneAreas(std::string_view bytes) {
-    if (const auto file = readSections<5>(bytes, "ZKTZ", version)) {
+    if (const auto file = readSections<5>(bytes, "ZKTZ", timeZonesVersion)) {
         zoneCount_ = file->extra;
         names_ = file->sections[0];
         rows_ = file->sections[1];

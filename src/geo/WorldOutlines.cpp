@@ -10,7 +10,7 @@
 namespace zenka::geo {
 namespace {
 
-constexpr std::uint32_t version = 1;
+constexpr std::uint32_t outlinesVersion = 1;
 constexpr std::int64_t unitsPerDegree = 400;
 
 struct Span {
@@ -139,7 +139,7 @@ Detail detailFor(double degreesPerPixel) {
 }
 
 WorldOutlines::WorldOutlines(std::string_view bytes) {
-    const auto file = readSections<9>(bytes, "ZKOL", version);
+    const auto file = readSections<9>(bytes, "ZKOL", outlinesVersion);
     if (!file || file->extra != levels_.size()) {
         return;
     }

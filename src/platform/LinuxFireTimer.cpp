@@ -16,8 +16,6 @@ namespace zenka::platform {
 
 namespace {
 
-constexpr Nanoseconds shortestPeriodNs = 100'000;
-
 /// The timer whose beat thread this is.
 thread_local const LinuxFireTimer* ownTimer = nullptr;
 

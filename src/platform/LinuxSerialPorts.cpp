@@ -98,9 +98,9 @@ public:
 
     Reading read(base::Seconds limit) override {
         constexpr double longestMs = 60'000;
-        const int limitMs = static_cast<int>(std::clamp(std::ceil(limit.count() * 1e3), 0.0, longestMs));
+        const int waitMs = static_cast<int>(std::clamp(std::ceil(limit.count() * 1e3), 0.0, longestMs));
         pollfd wanted{.fd = line_.get(), .events = POLLIN, .revents = 0};
-        const int ready = ::poll(&wanted, 1, limitMs);
+        const int ready = ::poll(&wanted, 1, waitMs);
         if (ready <= 0)
             return {.bytes = {}, .gone = ready < 0 && errno != EINTR};
         std::array<char, 512> bytes{};

@@ -40,7 +40,7 @@ bool isNetwork(std::string_view fileSystem) {
 }
 
 /// The path of a field of the table, in which blanks and their like are written as "\040".
-std::string unescaped(std::string_view field) {
+std::string withoutOctal(std::string_view field) {
     std::string path;
     for (std::size_t at = 0; at < field.size(); ++at) {
         if (field[at] != '\\' || field.size() - at < 4) {
@@ -62,7 +62,7 @@ std::set<std::string> networkMounts(const fs::path& table) {
         const auto fields = base::splitPieces(line, ' ');
         const auto dash = std::ranges::find(fields, "-");
         if (fields.size() > 4 && dash != fields.end() && dash + 1 != fields.end() && isNetwork(dash[1]))
-            places.insert(unescaped(fields[4]));
+            places.insert(withoutOctal(fields[4]));
     }
     return places;
 }

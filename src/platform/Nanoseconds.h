@@ -15,6 +15,9 @@ inline constexpr Nanoseconds oneSecondNs = 1'000'000'000;
 /// A span that no process lives through, and that may still be added to any instant.
 inline constexpr Nanoseconds foreverNs = INT64_MAX / 4;
 
+/// Of a timer that repeats: less would keep a processor busy.
+inline constexpr Nanoseconds shortestPeriodNs = 100'000;
+
 inline Nanoseconds readClock(clockid_t clock) {
     timespec time{};
     clock_gettime(clock, &time);

@@ -11,8 +11,6 @@ namespace zenka::platform {
 namespace {
 
 constexpr Nanoseconds budgetNs = 5'000'000;
-constexpr Nanoseconds shortestPeriodNs = 100'000;
-
 } // namespace
 
 QtMainLoop::QtMainLoop()

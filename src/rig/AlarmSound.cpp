@@ -8,7 +8,7 @@ namespace zenka::rig {
 
 namespace {
 
-constexpr base::Seconds period{0.9};
+constexpr base::Seconds alarmPeriod{0.9};
 constexpr int plays = 8;
 
 } // namespace
@@ -25,7 +25,7 @@ void AlarmSound::startAlarmSound() {
     stop();
     left_ = plays;
     repeat();
-    alarmTimer_ = ports_.loop.every(period, lifeline_.guard([this] { repeat(); }));
+    alarmTimer_ = ports_.loop.every(alarmPeriod, lifeline_.guard([this] { repeat(); }));
 }
 
 void AlarmSound::repeat() {

@@ -14,7 +14,7 @@ namespace zenka::rig {
 
 namespace {
 
-constexpr base::Seconds period{45.0};
+constexpr base::Seconds batteryPeriod{45.0};
 constexpr int usualThreshold = 20;
 /// Percents that a battery must gain before it may warn again, so that one at a limit does not flap.
 constexpr int hysteresis = 5;
@@ -37,7 +37,7 @@ BatteryWatch::BatteryWatch(const ports::Ports& ports, RigLog& log, const CameraR
 
 void BatteryWatch::startBatteryHeartbeat() {
     ports_.loop.cancel(batteryTimer_);
-    batteryTimer_ = ports_.loop.every(period, lifeline_.guard([this] {
+    batteryTimer_ = ports_.loop.every(batteryPeriod, lifeline_.guard([this] {
         pollBattery();
         heartbeat_.emit();
     }));

@@ -21,13 +21,14 @@ namespace {
 
 constexpr char keyPrefix[] = "eclipse.compRules.";
 
-constexpr std::array<std::pair<CompVariable, const char*>, 3> names{
+constexpr std::array<std::pair<CompVariable, const char*>, 3> variableNames{
     {{CompVariable::shutter, "shutter"}, {CompVariable::iso, "iso"}, {CompVariable::aperture, "aperture"}}};
 
 Json listOf(const std::vector<CompVariable>& variables) {
     Json list = Json::array();
     for (const CompVariable variable : variables)
-        list.push_back(std::ranges::find(names, variable, &decltype(names)::value_type::first)->second);
+        list.push_back(
+            std::ranges::find(variableNames, variable, &decltype(variableNames)::value_type::first)->second);
     return list;
 }
 
@@ -37,8 +38,9 @@ bool takeList(const Json& json, std::vector<CompVariable>& variables) {
         return false;
     variables.clear();
     for (const Json& item : json) {
-        const auto known = std::ranges::find_if(names, [&](const auto& name) { return item == name.second; });
-        if (known == names.end() || std::ranges::count(variables, known->first) > 0)
+        const auto known =
+            std::ranges::find_if(variableNames, [&](const auto& name) { return item == name.second; });
+        if (known == variableNames.end() || std::ranges::count(variables, known->first) > 0)
             return false;
         variables.push_back(known->first);
     }

@@ -10,7 +10,7 @@ using ports::ThermalState;
 
 namespace {
 
-constexpr base::Seconds period{10.0};
+constexpr base::Seconds healthPeriod{10.0};
 constexpr int missedToTell = 3;
 constexpr std::size_t mostFaults = 50; ///< a driver that finds ever new words must not fill the memory
 
@@ -23,7 +23,7 @@ HealthMonitor::HealthMonitor(const ports::Ports& ports, RigLog& log)
 void HealthMonitor::startHealthMonitor() {
     ports_.loop.cancel(healthTimer_);
     sampleHealth();
-    healthTimer_ = ports_.loop.every(period, lifeline_.guard([this] { sampleHealth(); }));
+    healthTimer_ = ports_.loop.every(healthPeriod, lifeline_.guard([this] { sampleHealth(); }));
 }
 
 void HealthMonitor::sampleHealth() {

@@ -7,7 +7,7 @@ namespace zenka::rig {
 
 namespace {
 
-constexpr double patienceSec = 8;
+constexpr double floorPatienceSec = 8;
 /// Between two rungs, so that what one has left behind is not held against the next.
 constexpr double restSec = 1;
 /// A driver that has let go of its body needs this before another program gets at it.
@@ -58,7 +58,7 @@ void QuickFloor::runStep(double rest) {
          .shots = shots,
          .intervalSec = interval(),
          .frames = framesPerRung,
-         .patienceSec = patienceSec,
+         .patienceSec = floorPatienceSec,
          // no closer to the last frame of the rung before than this one allows
          .firstAfterSec = rest > 0 ? std::max(rest, interval()) : 0},
         [this](const FrameSeries::Frames& frames) {

@@ -10,7 +10,7 @@ namespace zenka::rig {
 
 namespace {
 
-constexpr base::Seconds period{0.25}; ///< between two looks at the commands that run
+constexpr base::Seconds lookPeriod{0.25}; ///< between two looks at the commands that run
 
 std::string endOf(int code) {
     return code == 0  ? "done"
@@ -52,7 +52,7 @@ struct ShellCues::Running : std::enable_shared_from_this<Running> {
     void lookLater() {
         const auto onQueue = queue.lock();
         if (onQueue && !commands.empty() && !std::exchange(looking, true))
-            onQueue->postAfter(period, [self = shared_from_this()] {
+            onQueue->postAfter(lookPeriod, [self = shared_from_this()] {
                 self->looking = false;
                 self->look();
             });

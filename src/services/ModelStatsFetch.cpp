@@ -12,8 +12,8 @@ namespace zenka::services {
 
 namespace {
 
-constexpr base::Seconds timeout{20};
-constexpr std::size_t mostBytes = 1 << 20;
+constexpr base::Seconds statsTimeout{20};
+constexpr std::size_t statsMostBytes = 1 << 20;
 constexpr int mostShutters = 500; ///< more than any body has
 
 std::map<std::string, int> shutterMaxIn(const ports::HttpReply& reply) {
@@ -36,8 +36,8 @@ std::map<std::string, int> shutterMaxIn(const ports::HttpReply& reply) {
 void ModelStatsFetch::primeModelStats() {
     ports::HttpRequest request;
     request.url = serviceAddress(ports_.settings, "/api/camera-profile-stats");
-    request.timeout = timeout;
-    request.mostBytes = mostBytes;
+    request.timeout = statsTimeout;
+    request.mostBytes = statsMostBytes;
     if (request.url.empty())
         return;
     ports_.http.send(std::move(request), lifeline_.guard([this](const ports::HttpReply& reply) {

@@ -15,7 +15,7 @@ using rig::CadenceChoice;
 
 namespace {
 
-constexpr QLatin1String sheetName("DropExplainer");
+constexpr QLatin1String dropSheet("DropExplainer");
 
 } // namespace
 
@@ -61,11 +61,11 @@ void CadenceAlertView::look() {
         return;
     }
     if (rig_.cadence().dropExplainer().get() && app_.sheet().isEmpty())
-        app_.openSheet(sheetName);
+        app_.openSheet(dropSheet);
 }
 
 void CadenceAlertView::sheetChanged() {
-    const bool wasOpen = std::exchange(open_, app_.holds(sheetName));
+    const bool wasOpen = std::exchange(open_, app_.holds(dropSheet));
     if (open_)
         return;
     if (wasOpen)

@@ -19,7 +19,7 @@ namespace zenka::ui {
 namespace {
 
 constexpr std::size_t mostResults = 20;
-using Field = SiteDraft::Field;
+using SiteField = SiteDraft::Field;
 
 } // namespace
 
@@ -82,44 +82,44 @@ bool LocationView::apply() {
 }
 
 void LocationView::typeLatitude(const QString& text) {
-    draft_->type(Field::lat, text.toStdString());
+    draft_->type(SiteField::lat, text.toStdString());
     Q_EMIT draftChanged();
 }
 
 void LocationView::typeLongitude(const QString& text) {
-    draft_->type(Field::lon, text.toStdString());
+    draft_->type(SiteField::lon, text.toStdString());
     Q_EMIT draftChanged();
 }
 
 void LocationView::typeElevation(const QString& text) {
-    draft_->type(Field::elev, text.toStdString());
+    draft_->type(SiteField::elev, text.toStdString());
     elevNote_.clear();
     heightAwaited_ = false;
     Q_EMIT draftChanged();
 }
 
 void LocationView::typeLabel(const QString& text) {
-    draft_->type(Field::label, text.toStdString());
+    draft_->type(SiteField::label, text.toStdString());
     Q_EMIT draftChanged();
 }
 
 void LocationView::typeZone(const QString& text) {
-    draft_->type(Field::zone, text.toStdString());
+    draft_->type(SiteField::zone, text.toStdString());
     Q_EMIT draftChanged();
 }
 
 void LocationView::nudgeLatitude(int steps) {
-    draft_->nudge(Field::lat, steps);
+    draft_->nudge(SiteField::lat, steps);
     Q_EMIT draftChanged();
 }
 
 void LocationView::nudgeLongitude(int steps) {
-    draft_->nudge(Field::lon, steps);
+    draft_->nudge(SiteField::lon, steps);
     Q_EMIT draftChanged();
 }
 
 void LocationView::nudgeElevation(int steps) {
-    draft_->nudge(Field::elev, steps);
+    draft_->nudge(SiteField::elev, steps);
     elevNote_.clear();
     heightAwaited_ = false;
     Q_EMIT draftChanged();
@@ -291,39 +291,39 @@ void LocationView::endProbe() {
 }
 
 QString LocationView::latText() const {
-    return qt(draft_->text(Field::lat));
+    return qt(draft_->text(SiteField::lat));
 }
 
 QString LocationView::lonText() const {
-    return qt(draft_->text(Field::lon));
+    return qt(draft_->text(SiteField::lon));
 }
 
 QString LocationView::elevText() const {
-    return qt(draft_->text(Field::elev));
+    return qt(draft_->text(SiteField::elev));
 }
 
 QString LocationView::label() const {
-    return qt(draft_->text(Field::label));
+    return qt(draft_->text(SiteField::label));
 }
 
 QString LocationView::zone() const {
-    return qt(draft_->text(Field::zone));
+    return qt(draft_->text(SiteField::zone));
 }
 
 QString LocationView::latFault() const {
-    return qt(draft_->fault(Field::lat));
+    return qt(draft_->fault(SiteField::lat));
 }
 
 QString LocationView::lonFault() const {
-    return qt(draft_->fault(Field::lon));
+    return qt(draft_->fault(SiteField::lon));
 }
 
 QString LocationView::elevFault() const {
-    return qt(draft_->fault(Field::elev));
+    return qt(draft_->fault(SiteField::elev));
 }
 
 QString LocationView::zoneFault() const {
-    return qt(draft_->fault(Field::zone));
+    return qt(draft_->fault(SiteField::zone));
 }
 
 QString LocationView::zoneNote() const {

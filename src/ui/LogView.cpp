@@ -21,31 +21,31 @@ struct Mark {
 
 /// The first words or signs of the lines of the rig. Signs that fonts draw as coloured pictures have a plain
 /// shape here: at night no other colour than red may be on the screen.
-constexpr std::array<Mark, 25> marks{{{"⚠️ DROPPED", "▲", "dropped"},
-                                      {"⏭ SKIPPED", "»", "skipped"},
-                                      {"⏭", "»", "skipped"},
-                                      {"⚠️", "⚠", "warning"},
-                                      {"⚠︎", "⚠", "warning"},
-                                      {"⚠", "⚠", "warning"},
-                                      {"●", "●", "fired"},
-                                      {"🔊", "♪", "cue"},
-                                      {"⚙︎", "⚙", "command"},
-                                      {"▶︎", "▶", "run"},
-                                      {"■", "■", "run"},
-                                      {"☕︎", "☼", "awake"},
-                                      {"📅", "▣", "eclipse day"},
-                                      {"📝", "✎", "run log"},
-                                      {"💾", "▤", "card"},
-                                      {"🛑", "■", "warning"},
-                                      {"✅", "✓", "good"},
-                                      {"🔌", "↻", "run"},
-                                      {"⏱", "◷", "measured"},
-                                      {"✓", "✓", "good"},
-                                      {"‼️", "■", "critical"},
-                                      {"🔋", "▲", "battery"},
-                                      {"🔇", "⊘", "not heard"},
-                                      {"🛰", "◉", "receiver"},
-                                      {"⛔️", "■", "refused"}}};
+constexpr std::array<Mark, 25> lineMarks{{{"⚠️ DROPPED", "▲", "dropped"},
+                                          {"⏭ SKIPPED", "»", "skipped"},
+                                          {"⏭", "»", "skipped"},
+                                          {"⚠️", "⚠", "warning"},
+                                          {"⚠︎", "⚠", "warning"},
+                                          {"⚠", "⚠", "warning"},
+                                          {"●", "●", "fired"},
+                                          {"🔊", "♪", "cue"},
+                                          {"⚙︎", "⚙", "command"},
+                                          {"▶︎", "▶", "run"},
+                                          {"■", "■", "run"},
+                                          {"☕︎", "☼", "awake"},
+                                          {"📅", "▣", "eclipse day"},
+                                          {"📝", "✎", "run log"},
+                                          {"💾", "▤", "card"},
+                                          {"🛑", "■", "warning"},
+                                          {"✅", "✓", "good"},
+                                          {"🔌", "↻", "run"},
+                                          {"⏱", "◷", "measured"},
+                                          {"✓", "✓", "good"},
+                                          {"‼️", "■", "critical"},
+                                          {"🔋", "▲", "battery"},
+                                          {"🔇", "⊘", "not heard"},
+                                          {"🛰", "◉", "receiver"},
+                                          {"⛔️", "■", "refused"}}};
 
 /// Without the signs that fonts have as coloured pictures alone, and without the selectors between a sign's
 /// shape and its picture.
@@ -62,7 +62,7 @@ QString withoutPictures(const QString& text) {
 } // namespace
 
 LogLine logLine(const QString& line) {
-    for (const Mark& mark : marks) {
+    for (const Mark& mark : lineMarks) {
         const QString begins = QString::fromUtf8(mark.begins);
         if (!line.startsWith(begins))
             continue;

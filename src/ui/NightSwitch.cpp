@@ -8,7 +8,7 @@ namespace zenka::ui {
 
 namespace {
 
-constexpr double margin = 600; // seconds before C2 and behind C3
+constexpr double nightMargin = 600; // seconds before C2 and behind C3
 
 } // namespace
 
@@ -25,7 +25,7 @@ void NightSwitch::follow() {
     const auto c3 = contacts.find("C3");
     const double now = rig_.transport().clockNow();
     const bool dark = theme_.nightByItself() && c2 != contacts.end() && c3 != contacts.end() &&
-                      now >= c2->second * 3600 - margin && now <= c3->second * 3600 + margin;
+                      now >= c2->second * 3600 - nightMargin && now <= c3->second * 3600 + nightMargin;
     if (dark == dark_)
         return;
     dark_ = dark;

@@ -16,7 +16,7 @@ using rig::PreflightStatus;
 
 namespace {
 
-constexpr QLatin1String sheetName("Preflight");
+constexpr QLatin1String preflightSheet("Preflight");
 
 /// How a status is told: by shape, by word, and to the sheet.
 struct Look {
@@ -43,7 +43,7 @@ PreflightView::PreflightView(rig::RigModel& rig, AppView& app, QObject* parent)
             [this] { later([this] { app_.openSheet(QStringLiteral("Location")); }); });
     connect(&app, &AppView::sheetClosing, this, [this](const QString& name) {
         // A page to read lies over it for a while only.
-        if (name == sheetName && !app_.holdsBelow(sheetName))
+        if (name == preflightSheet && !app_.holdsBelow(preflightSheet))
             rig_.preflight().cancelPreflight();
     });
     const auto look = [this](const auto&...) { soon(); };
@@ -66,8 +66,8 @@ void PreflightView::later(const std::function<void()>& what) {
 void PreflightView::follow() {
     refresh();
     if (rig_.preflight().showPreflight().get())
-        app_.openSheet(sheetName);
-    else if (app_.holds(sheetName))
+        app_.openSheet(preflightSheet);
+    else if (app_.holds(preflightSheet))
         app_.closeSheet();
 }
 

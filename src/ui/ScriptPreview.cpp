@@ -11,7 +11,7 @@ namespace zenka::ui {
 namespace {
 
 constexpr double partWidth = 3;       // pixels
-constexpr double contactMargin = 300; // seconds to show beside the outermost of frames and contacts
+constexpr double previewMargin = 300; // seconds to show beside the outermost of frames and contacts
 
 } // namespace
 
@@ -48,8 +48,8 @@ void ScriptPreview::paintView(QPainter& painter, ScriptView& view, const Theme& 
         from = std::clamp(bounds->first, from - ScriptView::previewMargin, from);
         to = std::clamp(bounds->last, to, to + ScriptView::previewMargin);
     }
-    from -= contactMargin;
-    to += contactMargin;
+    from -= previewMargin;
+    to += previewMargin;
     const auto xOf = [&](double clock) { return (clock - from) / (to - from) * width(); };
 
     QFont font;

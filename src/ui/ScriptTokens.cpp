@@ -13,27 +13,27 @@ using Kind = ScriptToken::Kind;
 
 enum class Form { take, ramp, cue, bracket, settings, loop, bare };
 
-struct Command {
+struct KnownCommand {
     QLatin1String name;
     Form form;
 };
 
-const std::array<Command, 16> commands{{{QLatin1String("TAKEPIC"), Form::take},
-                                        {QLatin1String("TAKEBST"), Form::take},
-                                        {QLatin1String("TAKEBKT"), Form::take},
-                                        {QLatin1String("SETEXP"), Form::take},
-                                        {QLatin1String("RAMPUP"), Form::ramp},
-                                        {QLatin1String("RAMPDN"), Form::ramp},
-                                        {QLatin1String("RAMPSUD"), Form::ramp},
-                                        {QLatin1String("PLAY"), Form::cue},
-                                        {QLatin1String("COMMAND"), Form::cue},
-                                        {QLatin1String("BKTDATA"), Form::bracket},
-                                        {QLatin1String("CAMSET"), Form::settings},
-                                        {QLatin1String("FOR"), Form::loop},
-                                        {QLatin1String("ENDFOR"), Form::bare},
-                                        {QLatin1String("LVSTART"), Form::bare},
-                                        {QLatin1String("LVSTOP"), Form::bare},
-                                        {QLatin1String("CHGCSSL"), Form::bare}}};
+const std::array<KnownCommand, 16> commands{{{QLatin1String("TAKEPIC"), Form::take},
+                                             {QLatin1String("TAKEBST"), Form::take},
+                                             {QLatin1String("TAKEBKT"), Form::take},
+                                             {QLatin1String("SETEXP"), Form::take},
+                                             {QLatin1String("RAMPUP"), Form::ramp},
+                                             {QLatin1String("RAMPDN"), Form::ramp},
+                                             {QLatin1String("RAMPSUD"), Form::ramp},
+                                             {QLatin1String("PLAY"), Form::cue},
+                                             {QLatin1String("COMMAND"), Form::cue},
+                                             {QLatin1String("BKTDATA"), Form::bracket},
+                                             {QLatin1String("CAMSET"), Form::settings},
+                                             {QLatin1String("FOR"), Form::loop},
+                                             {QLatin1String("ENDFOR"), Form::bare},
+                                             {QLatin1String("LVSTART"), Form::bare},
+                                             {QLatin1String("LVSTOP"), Form::bare},
+                                             {QLatin1String("CHGCSSL"), Form::bare}}};
 
 bool isAloneMagnitude(QStringView field) {
     return field.compare(QLatin1String("MAGPRE"), Qt::CaseInsensitive) == 0 ||
@@ -41,7 +41,7 @@ bool isAloneMagnitude(QStringView field) {
 }
 
 /// The kind of a field by its place in a line of a form.
-Kind kindOf(Form form, int field) {
+Kind partOf(Form form, int field) {
     const bool timed = form == Form::take || form == Form::ramp || form == Form::cue;
     if (timed && field == 1)
         return Kind::reference;
@@ -73,7 +73,7 @@ std::vector<ScriptToken> scriptTokens(QStringView line) {
         return tokens;
     }
 
-    const Command* command = nullptr;
+    const KnownCommand* command = nullptr;
     int field = 0;
     for (qsizetype from = 0; from <= line.size(); ++field) {
         qsizetype comma = line.indexOf(u',', from);
@@ -82,7 +82,7 @@ std::vector<ScriptToken> scriptTokens(QStringView line) {
         const QStringView piece = line.sliced(from, comma - from).trimmed();
         from = comma + 1;
         if (field == 0) {
-            const auto* found = std::ranges::find_if(commands, [&](const Command& known) {
+            const auto* found = std::ranges::find_if(commands, [&](const KnownCommand& known) {
                 return piece.compare(known.name, Qt::CaseInsensitive) == 0;
             });
             command = found == commands.end() ? nullptr : found;
@@ -91,7 +91,7 @@ std::vector<ScriptToken> scriptTokens(QStringView line) {
                 return tokens;
             continue;
         }
-        const Kind kind = kindOf(command->form, field);
+        const Kind kind = partOf(command->form, field);
         if (kind == Kind::words) { // they may hold commas
             add(kind, line.sliced(piece.data() - line.data()).trimmed());
             return tokens;

@@ -13,15 +13,15 @@ namespace {
 constexpr char themeKey[] = "zenka.theme";
 constexpr char scaleKey[] = "zenka.textScale";
 constexpr char nightByItselfKey[] = "zenka.nightByItself";
-constexpr std::array<const char*, 3> names{"Sunlight", "Dark", "Night"};
+constexpr std::array<const char*, 3> themeNames{"Sunlight", "Dark", "Night"};
 
 } // namespace
 
 Theme::Theme(ports::Settings& settings, QObject* parent) : QObject(parent), settings_(settings) {
     if (const auto stored = settings.text(themeKey)) {
-        const auto found = std::ranges::find(names, *stored);
-        if (found != names.end())
-            kind_ = static_cast<Kind>(found - names.begin());
+        const auto found = std::ranges::find(themeNames, *stored);
+        if (found != themeNames.end())
+            kind_ = static_cast<Kind>(found - themeNames.begin());
     }
     textScale_ = std::clamp(settings.number(scaleKey).value_or(1), 0.8, 1.8);
     nightByItself_ = settings_.flag(nightByItselfKey).value_or(false);
@@ -32,18 +32,18 @@ void Theme::setKind(Kind kind) {
         return;
     nightForNow_ = false;
     kind_ = kind;
-    settings_.setText(themeKey, names[static_cast<std::size_t>(kind)]);
+    settings_.setText(themeKey, themeNames[static_cast<std::size_t>(kind)]);
     Q_EMIT changed();
 }
 
 void Theme::choose(const QString& name) {
-    const auto found = std::ranges::find(names, name.toStdString());
-    if (found != names.end())
-        setKind(static_cast<Kind>(found - names.begin()));
+    const auto found = std::ranges::find(themeNames, name.toStdString());
+    if (found != themeNames.end())
+        setKind(static_cast<Kind>(found - themeNames.begin()));
 }
 
 void Theme::cycle() {
-    setKind(static_cast<Kind>((static_cast<int>(kind()) + 1) % static_cast<int>(names.size())));
+    setKind(static_cast<Kind>((static_cast<int>(kind()) + 1) % static_cast<int>(themeNames.size())));
 }
 
 void Theme::setNightByItself(bool wanted) {
@@ -64,7 +64,7 @@ void Theme::setTextScale(double scale) {
 }
 
 QString Theme::name() const {
-    return QString::fromLatin1(names[static_cast<std::size_t>(kind())]);
+    return QString::fromLatin1(themeNames[static_cast<std::size_t>(kind())]);
 }
 
 QColor Theme::pick(QRgb inSun, QRgb inDark, QRgb atNight) const {

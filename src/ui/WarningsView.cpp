@@ -11,7 +11,7 @@ namespace zenka::ui {
 
 namespace {
 
-const std::string computer{rig::platformWords::computer};
+const std::string theComputer{rig::platformWords::computer};
 
 } // namespace
 
@@ -31,7 +31,7 @@ void WarningsView::collect() {
     std::vector<Warning> all;
     if (batteries.macBatteryEmergency().get())
         all.push_back({.key = "computer critical",
-                       .text = "The " + computer + "'s battery is about to run out",
+                       .text = "The " + theComputer + "'s battery is about to run out",
                        .hint = "Plug into wall power NOW or the whole rig stops.",
                        .critical = true});
     if (const auto& name = batteries.criticalBatteryName().get())
@@ -41,7 +41,7 @@ void WarningsView::collect() {
                        .critical = true});
     if (rig_.health().showThermalWarning().get())
         all.push_back({.key = "heat",
-                       .text = "This " + computer + " is overheating",
+                       .text = "This " + theComputer + " is overheating",
                        .hint = "Move it into the shade and give it airflow. Firing goes on.",
                        .critical = true});
     if (rig_.audio().showMutedModal().get())
@@ -51,7 +51,7 @@ void WarningsView::collect() {
              .hint = "You won't hear voice or battery cues. This goes when the sound is on again."});
     if (batteries.macBatteryLow().get() && !batteries.macBatteryEmergency().get())
         all.push_back({.key = "computer low",
-                       .text = "The " + computer + " runs low on battery",
+                       .text = "The " + theComputer + " runs low on battery",
                        .hint = "Plug in soon. This is not enough to finish a full eclipse run."});
     for (const std::string& name : batteries.lowBatteryNames().get()) {
         if (batteries.criticalBatteryName().get() != name)

@@ -78,7 +78,7 @@ WizardChoices decoded(const Json& json) {
     return choices;
 }
 
-std::vector<std::string> names(const Json& json) {
+std::vector<std::string> namesIn(const Json& json) {
     std::vector<std::string> list;
     if (!json.is_array())
         return list;
@@ -135,8 +135,8 @@ WizardAnswers decodeWizardAnswers(std::string_view text) {
         return answers;
     const auto field = [&json](const char* key) { return json.value(key, Json()); };
     take(field("perCamera"), answers.perCamera);
-    answers.chosen = names(field("chosen"));
-    answers.typed = names(field("typed"));
+    answers.chosen = namesIn(field("chosen"));
+    answers.typed = namesIn(field("typed"));
     answers.shared = decoded(field("shared"));
     const Json own = field("own");
     if (own.is_object())

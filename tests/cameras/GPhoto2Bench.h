@@ -13,6 +13,8 @@
 
 namespace zenka::test {
 
+inline const cameras::Shot totality{.iso = 200, .aperture = 8, .shutterSec = 0.002};
+
 /// gphoto2 drivers on scripted children in virtual time.
 struct GPhoto2Bench {
     MemoryFiles files;

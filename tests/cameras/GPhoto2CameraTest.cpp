@@ -6,11 +6,10 @@ using namespace zenka;
 using namespace zenka::cameras;
 using test::fullAnswer;
 using test::GPhoto2Bench;
+using test::totality;
 using Answer = test::ScriptedChildren::Answer;
 
 namespace {
-
-const Shot totality{.iso = 200, .aperture = 8, .shutterSec = 0.002};
 
 struct GPhoto2CameraTest : testing::Test {
     GPhoto2Bench bench;

@@ -5,11 +5,11 @@ using namespace zenka::cameras;
 using base::Seconds;
 using test::fullAnswer;
 using test::GPhoto2Bench;
+using test::totality;
 using Answer = test::ScriptedChildren::Answer;
 
 namespace {
 
-const Shot totality{.iso = 200, .aperture = 8, .shutterSec = 0.002};
 const std::string wholeShot = "set-config-value iso=200\nset-config-value f-number=f/8\n"
                               "set-config-value shutterspeed=1/500\ntrigger-capture\n";
 

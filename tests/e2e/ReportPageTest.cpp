@@ -51,7 +51,7 @@ struct ReportPage : testing::Test {
     /// A run with every kind of fault in it, and names that want to be more than text.
     std::string page() const {
         std::vector<script::Capture> captures;
-        std::vector<analysis::ExifFrame> frames;
+        std::vector<analysis::ExifFrame> captured;
         for (int i = 0; i < 120; ++i) {
             captures.push_back({.offsetSec = 2.0 * i,
                                 .refLabel = i < 60 ? "Pre 40%" : "C2 +3s",
@@ -61,16 +61,16 @@ struct ReportPage : testing::Test {
                                 .iso = 320,
                                 .comment = i % 2 == 0 ? hostile : ""});
             if (i % 10 != 3)
-                frames.push_back({.file = hostile,
-                                  .date = {1786566543 + 2.0 * i},
-                                  .iso = 400,
-                                  .aperture = 8,
-                                  .shutterSec = i % 10 == 5 ? 0.5 : 0.002});
+                captured.push_back({.file = hostile,
+                                    .date = {1786566543 + 2.0 * i},
+                                    .iso = 400,
+                                    .aperture = 8,
+                                    .shutterSec = i % 10 == 5 ? 0.5 : 0.002});
         }
-        const auto result = analysis::RunAnalysis::compare(captures, frames, {hostile, hostile, hostile},
+        const auto result = analysis::RunAnalysis::compare(captures, captured, {hostile, hostile, hostile},
                                                            analysis::SoftwareOK{{600, true}}, hostile);
         return analysis::ReportHTML::generate(
-            result, frames, captures,
+            result, captured, captures,
             {.imageFiles = 300, .generated = {1786570000}, .zone = absl::UTCTimeZone()});
     }
 };

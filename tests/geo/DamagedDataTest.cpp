@@ -26,13 +26,13 @@ std::string dataFile(const std::string& name) {
 /// Asks what there is to ask of some data, and counts the answers.
 using Ask = std::size_t (*)(std::string_view);
 
-constexpr std::array<GeoPoint, 6> points{
+constexpr std::array<GeoPoint, 6> asked{
     {{41.65, -0.88}, {38.37, -86.34}, {35.87, -110.62}, {-16.8, 179.99}, {51.44, 4.93}, {30, -45}}};
 
 std::size_t askZones(std::string_view bytes) {
     const TimeZoneAreas zones(bytes);
     std::size_t answers = 0;
-    for (const GeoPoint& point : points) {
+    for (const GeoPoint& point : asked) {
         answers += zones.zoneAt(point.lat, point.lon) ? 1 : 0;
     }
     return answers;
@@ -41,7 +41,7 @@ std::size_t askZones(std::string_view bytes) {
 std::size_t askPlaces(std::string_view bytes) {
     const Gazetteer places(bytes);
     std::size_t answers = 0;
-    for (const GeoPoint& point : points) {
+    for (const GeoPoint& point : asked) {
         answers += places.nearest(point.lat, point.lon, 100) ? 1 : 0;
     }
     for (const char* text : {"zara", "coruña", "e", "saint, fr"}) {

@@ -22,7 +22,7 @@ using ports::ChildStart;
 using test::childless;
 using test::serveUntil;
 
-constexpr base::Seconds patience{30};
+constexpr base::Seconds childPatience{30};
 constexpr base::Seconds shortly{0.2};
 
 std::unique_ptr<ChildProcess> start(const ChildStart& wanted) {
@@ -40,7 +40,7 @@ std::unique_ptr<ChildProcess> shell(const std::string& script) {
 std::string line(ChildProcess& child) {
     std::string text;
     while (!text.ends_with('\n')) {
-        const auto piece = child.read(patience);
+        const auto piece = child.read(childPatience);
         EXPECT_FALSE(piece.out.empty()) << "no line: " << text << piece.err;
         if (piece.out.empty())
             break;
@@ -52,7 +52,7 @@ std::string line(ChildProcess& child) {
 ChildProcess::Output rest(ChildProcess& child) {
     ChildProcess::Output all;
     while (!all.ended) {
-        const auto piece = child.read(patience);
+        const auto piece = child.read(childPatience);
         EXPECT_TRUE(piece.ended || !piece.out.empty() || !piece.err.empty()) << "nothing came";
         if (!piece.ended && piece.out.empty() && piece.err.empty())
             break;
@@ -79,20 +79,20 @@ protected:
 
 TEST_F(LinuxChildProcessesTest, whatAChildSaysArrivesWhileItStillRunsAndItsEndIsTold) {
     const auto child = shell("echo one; read word; echo got $word; echo fault >&2; exit 7");
-    EXPECT_EQ(child->read(patience).out, "one\n"); // and it waits for its word
+    EXPECT_EQ(child->read(childPatience).out, "one\n"); // and it waits for its word
     EXPECT_TRUE(child->running());
     EXPECT_EQ(child->waitForEnd(shortly), std::nullopt);
     const auto nothing = child->read(shortly);
     EXPECT_EQ(nothing.out + nothing.err, "");
     EXPECT_FALSE(nothing.ended);
-    EXPECT_TRUE(child->write("a word\n", patience));
+    EXPECT_TRUE(child->write("a word\n", childPatience));
     const auto last = rest(*child);
     EXPECT_EQ(last.out, "got a word\n");
     EXPECT_EQ(last.err, "fault\n");
-    EXPECT_EQ(child->waitForEnd(patience), 7);
+    EXPECT_EQ(child->waitForEnd(childPatience), 7);
     EXPECT_EQ(child->waitForEnd(base::Seconds(0)), 7);
     EXPECT_FALSE(child->running());
-    EXPECT_TRUE(child->read(patience).ended);
+    EXPECT_TRUE(child->read(childPatience).ended);
 }
 
 TEST_F(LinuxChildProcessesTest, mergedErrorsStandWhereTheyWerePrinted) {
@@ -109,7 +109,7 @@ TEST_F(LinuxChildProcessesTest, tenMegabytesComeWholeReadOrNot) {
     const ChildStart flood{.program = "head", .arguments = {"-c", std::to_string(length), "/dev/zero"}};
     EXPECT_EQ(rest(*start(flood)).out, std::string(length, '\0'));
     const auto waitedFor = start(flood);
-    EXPECT_EQ(waitedFor->waitForEnd(patience), 0); // its pipe takes but a little of it
+    EXPECT_EQ(waitedFor->waitForEnd(childPatience), 0); // its pipe takes but a little of it
     EXPECT_EQ(rest(*waitedFor).out.size(), length);
 }
 
@@ -118,10 +118,10 @@ TEST_F(LinuxChildProcessesTest, aMegabyteGoesThroughAChildThatAnswersAsItReads) 
     std::string text;
     while (text.size() < 1'000'000)
         text += "line " + std::to_string(text.size()) + "\n";
-    EXPECT_TRUE(child->write(text, patience));
+    EXPECT_TRUE(child->write(text, childPatience));
     std::string back;
     while (back.size() < text.size()) {
-        const auto piece = child->read(patience);
+        const auto piece = child->read(childPatience);
         ASSERT_FALSE(piece.out.empty());
         back += piece.out;
     }
@@ -140,35 +140,35 @@ TEST_F(LinuxChildProcessesTest, aWriteToAClosedInputFailsAndRaisesNoSignal) {
     const auto before = std::signal(SIGPIPE, SIG_DFL); // which would end this program
     const auto deaf = shell("exec 0<&-; echo closed; exec sleep 1000");
     EXPECT_EQ(line(*deaf), "closed");
-    EXPECT_FALSE(deaf->write("x", patience));
+    EXPECT_FALSE(deaf->write("x", childPatience));
     EXPECT_TRUE(deaf->running());
     const auto ended = start({.program = "true"});
-    EXPECT_EQ(ended->waitForEnd(patience), 0);
-    EXPECT_FALSE(ended->write("x", patience));
-    EXPECT_FALSE(ended->write("", patience));
+    EXPECT_EQ(ended->waitForEnd(childPatience), 0);
+    EXPECT_FALSE(ended->write("x", childPatience));
+    EXPECT_FALSE(ended->write("", childPatience));
     std::signal(SIGPIPE, before);
 }
 
 TEST_F(LinuxChildProcessesTest, aChildEndsWhenAskedOrIsKilled) {
     const auto obedient = start({.program = "sleep", .arguments = {"1000"}});
     obedient->terminate();
-    EXPECT_EQ(obedient->waitForEnd(patience), -SIGTERM);
+    EXPECT_EQ(obedient->waitForEnd(childPatience), -SIGTERM);
     const auto stopped = shell("kill -s STOP $$; sleep 1000");
     stopped->terminate();
-    EXPECT_EQ(stopped->waitForEnd(patience), -SIGTERM);
+    EXPECT_EQ(stopped->waitForEnd(childPatience), -SIGTERM);
     const auto stubborn = shell("trap '' TERM; echo ready; while :; do sleep 0.01; done");
     EXPECT_EQ(line(*stubborn), "ready");
     stubborn->terminate();
     EXPECT_EQ(stubborn->waitForEnd(shortly), std::nullopt);
     stubborn->kill();
-    EXPECT_EQ(stubborn->waitForEnd(patience), -SIGKILL);
+    EXPECT_EQ(stubborn->waitForEnd(childPatience), -SIGKILL);
     stubborn->kill(); // and nothing else
 }
 
 TEST_F(LinuxChildProcessesTest, theWholeGroupGoesWithItsObject) {
     auto child = shell("sleep 1000 & echo $!; exit 3");
     const int grandchild = base::readInteger(line(*child)).value();
-    EXPECT_EQ(child->waitForEnd(patience), 3);
+    EXPECT_EQ(child->waitForEnd(childPatience), 3);
     EXPECT_FALSE(child->read(shortly).ended) << "the grandchild may still say something";
     EXPECT_TRUE(lives(grandchild));
     child.reset();
@@ -183,7 +183,7 @@ TEST_F(LinuxChildProcessesTest, aKillFromAnotherThreadEndsAWait) {
     });
     EXPECT_TRUE(child->read(base::Seconds(1e12)).ended);
     other.join();
-    EXPECT_EQ(child->waitForEnd(patience), -SIGKILL);
+    EXPECT_EQ(child->waitForEnd(childPatience), -SIGKILL);
 }
 
 TEST_F(LinuxChildProcessesTest, whatCannotBeStartedIsToldInTheSystemsWords) {

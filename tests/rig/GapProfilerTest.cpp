@@ -20,7 +20,7 @@ using testing::StartsWith;
 
 namespace {
 
-struct GapProfiler : testing::Test {
+struct GapProfilerTest : testing::Test {
     std::shared_ptr<test::ScriptedFamily> family = std::make_shared<test::ScriptedFamily>();
     VirtualRig rig{{family}};
     rig::MeasuredFloors& floors = rig.model.floors();
@@ -75,7 +75,7 @@ TimedCamera::Behave falls(int silentFrom) {
 
 } // namespace
 
-TEST_F(GapProfiler, aBodyThatDropsBelowFourTenthsHasItsFloorThere) {
+TEST_F(GapProfilerTest, aBodyThatDropsBelowFourTenthsHasItsFloorThere) {
     const auto body = add(dropsUnder(0.4));
     EXPECT_EQ(profile(), "Clean floor 0.4s · drops begin at 0.33s");
     EXPECT_EQ(rig.lines.back(), "⏱ Gap profile CAM1: " + verdict());
@@ -95,7 +95,7 @@ TEST_F(GapProfiler, aBodyThatDropsBelowFourTenthsHasItsFloorThere) {
     EXPECT_EQ(profiler.history()->size(), 1U);
 }
 
-TEST_F(GapProfiler, identicalFramesHaveAFloorOfTheirOwn) {
+TEST_F(GapProfilerTest, identicalFramesHaveAFloorOfTheirOwn) {
     const auto body = add(takes(0.05));
     profiler.setGapSettingsMode(GapSettingsMode::same);
     EXPECT_EQ(profile(), "Clean to 0.1s (fastest tested) · the body may go faster still");
@@ -106,7 +106,7 @@ TEST_F(GapProfiler, identicalFramesHaveAFloorOfTheirOwn) {
         EXPECT_EQ(shot.iso, 400);
 }
 
-TEST_F(GapProfiler, aBodyThatPacesHasItsPaceForAFloor) {
+TEST_F(GapProfilerTest, aBodyThatPacesHasItsPaceForAFloor) {
     add(takes(0.45));
     EXPECT_EQ(profile(), "Clean floor 0.45s · that is as fast as this body will answer, so it is a real "
                          "floor, not a lower bound");
@@ -115,14 +115,14 @@ TEST_F(GapProfiler, aBodyThatPacesHasItsPaceForAFloor) {
     EXPECT_FALSE(rows().back().clean());
 }
 
-TEST_F(GapProfiler, aPaceThatTheLastCleanRungDidNotShowIsToldAsAnAnswer) {
+TEST_F(GapProfilerTest, aPaceThatTheLastCleanRungDidNotShowIsToldAsAnAnswer) {
     add(takes(0.32));
     EXPECT_EQ(profile(), "Asked for 0.25s and the body answered at 0.32s instead. Nothing was dropped; this "
                          "is simply as fast as it goes.");
     EXPECT_NEAR(floors.measuredFloor("Z8").value_or(0), 0.32, 1e-9);
 }
 
-TEST_F(GapProfiler, aRungAtThirteenTenthsOfItsIntervalIsNotClean) {
+TEST_F(GapProfilerTest, aRungAtThirteenTenthsOfItsIntervalIsNotClean) {
     add(takes(1.3));
     EXPECT_THAT(profile(), StartsWith("Asked for 1.0s and the body answered at 1.3s instead."));
     ASSERT_EQ(rows().size(), 2U) << "and the first slow one is";
@@ -130,7 +130,7 @@ TEST_F(GapProfiler, aRungAtThirteenTenthsOfItsIntervalIsNotClean) {
     EXPECT_NEAR(floors.measuredFloor("Z8").value_or(0), 1.3, 1e-9);
 }
 
-TEST_F(GapProfiler, aSonyThatSlowsHasLostNothing) {
+TEST_F(GapProfilerTest, aSonyThatSlowsHasLostNothing) {
     const auto body = add(takes(0.45));
     body->modelName = "ILCE-7M4";
     EXPECT_EQ(profile(), "Paces cleanly to 0.45s · command pacing slows past 0.33s. On Sony this is cadence "
@@ -139,7 +139,7 @@ TEST_F(GapProfiler, aSonyThatSlowsHasLostNothing) {
     EXPECT_TRUE(profiler.gapProfileBodyIsSony().get());
 }
 
-TEST_F(GapProfiler, aSlowBodyIsTriedSlowerUntilItHolds) {
+TEST_F(GapProfilerTest, aSlowBodyIsTriedSlowerUntilItHolds) {
     add(dropsUnder(2.0));
     EXPECT_EQ(profile(), "This body needs a SLOW cadence: clean at 2.0s, dropped at every faster step. "
                          "Budget at least 2.0s between frames in your script.");
@@ -147,7 +147,7 @@ TEST_F(GapProfiler, aSlowBodyIsTriedSlowerUntilItHolds) {
     EXPECT_EQ(rows().size(), 3U);
 }
 
-TEST_F(GapProfiler, aBodyThatHoldsNothingHasNoFloor) {
+TEST_F(GapProfilerTest, aBodyThatHoldsNothingHasNoFloor) {
     add([](double, int) { return TimedCamera::Reply{.afterSec = 0.05, .ok = false}; });
     EXPECT_EQ(profile(), "Dropped even at 5.0s · this body could not hold any tested cadence. Check the "
                          "cable/USB mode, or try a vendor-recommended tether setting.");
@@ -155,7 +155,7 @@ TEST_F(GapProfiler, aBodyThatHoldsNothingHasNoFloor) {
     EXPECT_TRUE(nothingStored());
 }
 
-TEST_F(GapProfiler, aLinkThatWedgesOnTheWayIsNoCadenceResult) {
+TEST_F(GapProfilerTest, aLinkThatWedgesOnTheWayIsNoCadenceResult) {
     answerLinkCheckWith({.alive = false});
     const auto body = add(falls(13)); // the third rung
     EXPECT_EQ(profile(), "The camera's connection wedged during profiling and didn't come back on its own. "
@@ -169,7 +169,7 @@ TEST_F(GapProfiler, aLinkThatWedgesOnTheWayIsNoCadenceResult) {
     EXPECT_TRUE(nothingStored());
 }
 
-TEST_F(GapProfiler, aSilentBodyWhoseLinkLivesIsTriedOn) {
+TEST_F(GapProfilerTest, aSilentBodyWhoseLinkLivesIsTriedOn) {
     answerLinkCheckWith({.alive = true, .meanLatencyMs = 400});
     add([](double, int) { return TimedCamera::Reply{.afterSec = 0.1, .ok = false, .responded = false}; });
     EXPECT_THAT(profile(), StartsWith("Dropped even at 5.0s"));
@@ -178,7 +178,7 @@ TEST_F(GapProfiler, aSilentBodyWhoseLinkLivesIsTriedOn) {
     EXPECT_THAT(profile(), HasSubstr("wedged")) << "a link that slow does not work";
 }
 
-TEST_F(GapProfiler, eachFrameIsWaitedForEightSecondsAndAFamilyWithoutThatCheckGoesOn) {
+TEST_F(GapProfilerTest, eachFrameIsWaitedForEightSecondsAndAFamilyWithoutThatCheckGoesOn) {
     answerLinkCheckWith({.alive = false});
     const auto body = add(falls(1));
     body->family = "LumixPTP";
@@ -193,7 +193,7 @@ TEST_F(GapProfiler, eachFrameIsWaitedForEightSecondsAndAFamilyWithoutThatCheckGo
     EXPECT_EQ(linkChecks, 0);
 }
 
-TEST_F(GapProfiler, aSimulatedBodyIsWalkedThroughAndMeasuresNothing) {
+TEST_F(GapProfilerTest, aSimulatedBodyIsWalkedThroughAndMeasuresNothing) {
     const auto mock = rig.model.roster().addPlanningCamera("Z8");
     EXPECT_EQ(profile(mock->id()), "Simulated camera: no real cadence limits. Connect a body to measure.");
     EXPECT_EQ(rows().size(), 11U);
@@ -203,7 +203,7 @@ TEST_F(GapProfiler, aSimulatedBodyIsWalkedThroughAndMeasuresNothing) {
     EXPECT_TRUE(nothingStored());
 }
 
-TEST_F(GapProfiler, stoppingEndsItAfterTheFrameUnderWayAndStoresNothing) {
+TEST_F(GapProfilerTest, stoppingEndsItAfterTheFrameUnderWayAndStoresNothing) {
     const auto body = add(takes(0.5));
     EXPECT_EQ(profiler.runGapProfile("timed"), "");
     EXPECT_EQ(family->holds, 1);
@@ -233,7 +233,7 @@ TEST_F(GapProfiler, stoppingEndsItAfterTheFrameUnderWayAndStoresNothing) {
     EXPECT_TRUE(nothingStored());
 }
 
-TEST_F(GapProfiler, stoppingWhileTheLinkIsCheckedDoesNotWaitForIt) {
+TEST_F(GapProfilerTest, stoppingWhileTheLinkIsCheckedDoesNotWaitForIt) {
     answerLinkCheckWith({.alive = true});
     const auto body = add(falls(1));
     EXPECT_EQ(profiler.runGapProfile("timed"), "");
@@ -245,7 +245,7 @@ TEST_F(GapProfiler, stoppingWhileTheLinkIsCheckedDoesNotWaitForIt) {
     EXPECT_EQ(rows().size(), 1U) << "the check's answer comes too late";
 }
 
-TEST_F(GapProfiler, oneThatWouldCostARunFramesIsRefusedAndARunEndsOne) {
+TEST_F(GapProfilerTest, oneThatWouldCostARunFramesIsRefusedAndARunEndsOne) {
     const auto body = add(takes(0.05));
     EXPECT_EQ(profiler.runGapProfile("nobody"), "This camera is not connected.");
     rig.model.transport().togglePlay();
@@ -262,7 +262,7 @@ TEST_F(GapProfiler, oneThatWouldCostARunFramesIsRefusedAndARunEndsOne) {
     EXPECT_EQ(body->shots.size(), fired);
 }
 
-TEST_F(GapProfiler, aBodyThatGoesEndsIt) {
+TEST_F(GapProfilerTest, aBodyThatGoesEndsIt) {
     add(falls(3));
     EXPECT_EQ(profiler.runGapProfile("timed"), "");
     rig.run(4);
@@ -273,7 +273,7 @@ TEST_F(GapProfiler, aBodyThatGoesEndsIt) {
     rig.run(20);
 }
 
-TEST_F(GapProfiler, aBufferWallIsFoundWhereTheFirstFrameIsMissing) {
+TEST_F(GapProfilerTest, aBufferWallIsFoundWhereTheFirstFrameIsMissing) {
     profiler.setGapProfileMode(GapProfileMode::sustainedBurst);
     add([](double, int number) { return TimedCamera::Reply{.afterSec = 0.05, .ok = number <= 12}; });
     EXPECT_EQ(profile(), "Buffer wall: 12 clean frames at 0.5s, then dropped (3 of 15).");
@@ -285,7 +285,7 @@ TEST_F(GapProfiler, aBufferWallIsFoundWhereTheFirstFrameIsMissing) {
     EXPECT_FALSE(floors.sustainedFloor("Z8"));
 }
 
-TEST_F(GapProfiler, aBurstThatIsHeldGivesASustainedFloor) {
+TEST_F(GapProfilerTest, aBurstThatIsHeldGivesASustainedFloor) {
     profiler.setGapProfileMode(GapProfileMode::sustainedBurst);
     add(takes(0.05));
     EXPECT_EQ(profile(), "Held all 40 frames at 0.5s. No buffer wall in this test.");
@@ -294,7 +294,7 @@ TEST_F(GapProfiler, aBurstThatIsHeldGivesASustainedFloor) {
     EXPECT_EQ(profile(), "Held all 40 frames at 0.4s. No buffer wall in this test.");
 }
 
-TEST_F(GapProfiler, aBurstThatIsHeldAtItsOwnPaceSaysSo) {
+TEST_F(GapProfilerTest, aBurstThatIsHeldAtItsOwnPaceSaysSo) {
     profiler.setGapProfileMode(GapProfileMode::sustainedBurst);
     profiler.setGapBurstTargetCadence(0.5);
     add(takes(0.75));
@@ -303,7 +303,7 @@ TEST_F(GapProfiler, aBurstThatIsHeldAtItsOwnPaceSaysSo) {
     EXPECT_NEAR(floors.sustainedFloor("Z8").value_or(0), 0.75, 1e-9);
 }
 
-TEST_F(GapProfiler, longFramesAreKeptByThemselves) {
+TEST_F(GapProfilerTest, longFramesAreKeptByThemselves) {
     profiler.setGapProfileMode(GapProfileMode::sustainedBurst);
     profiler.setGapBurstShutter(2);
     const auto body = add([](double since, int number) {
@@ -336,7 +336,7 @@ TEST(SustainedBurst, theCadenceLeavesRoomForTheExposure) {
 }
 
 // What hears of a change may end the profile at any place.
-TEST_F(GapProfiler, stoppingFromWithinAChangeIsTakenWell) {
+TEST_F(GapProfilerTest, stoppingFromWithinAChangeIsTakenWell) {
     add(takes(0.05));
     int changes = 0;
     int stopAt = 0;

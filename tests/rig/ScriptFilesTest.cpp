@@ -13,7 +13,7 @@ namespace {
 
 constexpr char path[] = "/home/o'brien/My scripts/a day.zenka";
 
-class ScriptFiles : public testing::Test {
+class ScriptFilesTest : public testing::Test {
 protected:
     VirtualRig rig;
     rig::ScriptDesk& desk = rig.model.script();
@@ -34,7 +34,7 @@ protected:
 
 } // namespace
 
-TEST_F(ScriptFiles, aFileIsReadEditedAndWrittenBack) {
+TEST_F(ScriptFilesTest, aFileIsReadEditedAndWrittenBack) {
     rig.files.contents[path] = rig.frameAt(1);
     open(path);
     EXPECT_EQ(fault, "");
@@ -52,7 +52,7 @@ TEST_F(ScriptFiles, aFileIsReadEditedAndWrittenBack) {
     EXPECT_FALSE(desk.edited().get());
 }
 
-TEST_F(ScriptFiles, aFileThatCannotBeReadGivesASentenceAndChangesNothing) {
+TEST_F(ScriptFilesTest, aFileThatCannotBeReadGivesASentenceAndChangesNothing) {
     desk.setScriptText("# mine");
     rig.files.contents["/p.jpg"] = std::string("\xFF\xD8\xFF\xE0 picture", 12);
     rig.files.contents["/zeros"] = std::string(50, '\0');
@@ -69,7 +69,7 @@ TEST_F(ScriptFiles, aFileThatCannotBeReadGivesASentenceAndChangesNothing) {
     EXPECT_TRUE(desk.recentScripts().empty());
 }
 
-TEST_F(ScriptFiles, aFailedSaveKeepsTheTextAndTheEditedMark) {
+TEST_F(ScriptFilesTest, aFailedSaveKeepsTheTextAndTheEditedMark) {
     rig.files.contents[path] = "# a";
     open(path);
     desk.setScriptText("# b");
@@ -81,7 +81,7 @@ TEST_F(ScriptFiles, aFailedSaveKeepsTheTextAndTheEditedMark) {
     EXPECT_EQ(setting(rig::settingsKeys::scriptText), "# b");
 }
 
-TEST_F(ScriptFiles, typingWhileAFileIsWrittenLeavesTheMark) {
+TEST_F(ScriptFilesTest, typingWhileAFileIsWrittenLeavesTheMark) {
     desk.setScriptText("# a");
     desk.saveFile(path, [](const std::string&) {});
     desk.setScriptText("# ab");
@@ -91,7 +91,7 @@ TEST_F(ScriptFiles, typingWhileAFileIsWrittenLeavesTheMark) {
     EXPECT_TRUE(desk.edited().get());
 }
 
-TEST_F(ScriptFiles, aSaveThatEndsUnderAnotherScriptDoesNotNameIt) {
+TEST_F(ScriptFilesTest, aSaveThatEndsUnderAnotherScriptDoesNotNameIt) {
     desk.setScriptText("# a");
     desk.saveFile(path, [](const std::string&) {});
     desk.loadExample("# example", "example.zenka");
@@ -101,7 +101,7 @@ TEST_F(ScriptFiles, aSaveThatEndsUnderAnotherScriptDoesNotNameIt) {
     EXPECT_EQ(desk.scriptFile().get(), "");
 }
 
-TEST_F(ScriptFiles, windowsLineEndsComeBackInTheFileAndNotInTheText) {
+TEST_F(ScriptFilesTest, windowsLineEndsComeBackInTheFileAndNotInTheText) {
     rig.files.contents[path] = "\xEF\xBB\xBF# a\r\n# b\r\n";
     open(path);
     EXPECT_EQ(desk.scriptText().get(), "# a\n# b\n");
@@ -111,7 +111,7 @@ TEST_F(ScriptFiles, windowsLineEndsComeBackInTheFileAndNotInTheText) {
     EXPECT_EQ(rig.files.contents[path], "# a\r\n# c\r\n");
 }
 
-TEST_F(ScriptFiles, theScriptsUsedLastAreListedOnceNewestFirst) {
+TEST_F(ScriptFilesTest, theScriptsUsedLastAreListedOnceNewestFirst) {
     for (int i = 0; i < 12; ++i)
         rig.files.contents["/s/" + std::to_string(i)] = "# x";
     for (int i = 0; i < 12; ++i)
@@ -122,7 +122,7 @@ TEST_F(ScriptFiles, theScriptsUsedLastAreListedOnceNewestFirst) {
                                                   "/s/6", "/s/4", "/s/3"));
 }
 
-TEST_F(ScriptFiles, undoingAReplacementBringsNameAndFileBack) {
+TEST_F(ScriptFilesTest, undoingAReplacementBringsNameAndFileBack) {
     rig.files.contents[path] = "# a";
     open(path);
     const std::size_t opened = desk.origin();
@@ -139,7 +139,7 @@ TEST_F(ScriptFiles, undoingAReplacementBringsNameAndFileBack) {
     EXPECT_EQ(desk.scriptFile().get(), path);
 }
 
-TEST_F(ScriptFiles, theNextStartKnowsTheFileAndWhetherTheTextIsInIt) {
+TEST_F(ScriptFilesTest, theNextStartKnowsTheFileAndWhetherTheTextIsInIt) {
     rig.files.contents[path] = "# a";
     open(path);
     desk.setScriptText("# half a thou");
@@ -154,7 +154,7 @@ TEST_F(ScriptFiles, theNextStartKnowsTheFileAndWhetherTheTextIsInIt) {
     EXPECT_TRUE(next.model.script().edited().get());
 }
 
-TEST_F(ScriptFiles, aDefaultScriptPutsAsideTextThatIsInNoFile) {
+TEST_F(ScriptFilesTest, aDefaultScriptPutsAsideTextThatIsInNoFile) {
     rig.files.contents["/default"] = "# default";
     desk.setDefaultScript("/default");
     EXPECT_EQ(desk.defaultScript(), "/default");
@@ -170,7 +170,7 @@ TEST_F(ScriptFiles, aDefaultScriptPutsAsideTextThatIsInNoFile) {
     EXPECT_EQ(desk.defaultScript(), "");
 }
 
-TEST_F(ScriptFiles, aReplacedTextThatNoFileHasCanBeBroughtBack) {
+TEST_F(ScriptFilesTest, aReplacedTextThatNoFileHasCanBeBroughtBack) {
     desk.newScript();
     desk.loadExample("# example", "example.zenka");
     EXPECT_FALSE(desk.unsavedText()) << "nothing was typed so far";
@@ -186,7 +186,7 @@ TEST_F(ScriptFiles, aReplacedTextThatNoFileHasCanBeBroughtBack) {
     EXPECT_EQ(desk.unsavedText(), "# typed too") << "the two change places";
 }
 
-TEST_F(ScriptFiles, theWizardsScriptIsCompiledAndBelongsToTheFileThatItWasWrittenTo) {
+TEST_F(ScriptFilesTest, theWizardsScriptIsCompiledAndBelongsToTheFileThatItWasWrittenTo) {
     desk.setScriptText("# mine");
     desk.applyWizardScript(rig.frameAt(10), "Mine");
     EXPECT_EQ(desk.captures().size(), 1U);

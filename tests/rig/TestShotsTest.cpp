@@ -16,7 +16,7 @@ const cameras::CaptureOutcome notYet{
     .ok = false, .note = "ERROR: Could not trigger capture", .responded = true};
 constexpr cameras::Shot shot{.iso = 100, .aperture = 8, .shutterSec = 0.002};
 
-struct TestShots : testing::Test {
+struct TestShotsTest : testing::Test {
     std::shared_ptr<test::ScriptedFamily> family = std::make_shared<test::ScriptedFamily>();
     VirtualRig rig{{family}};
     rig::TestShots& tests = rig.model.testShots();
@@ -32,7 +32,7 @@ struct TestShots : testing::Test {
 
 } // namespace
 
-TEST_F(TestShots, oneThatTheBodyRefusesTwiceGoesThroughAndIsToldOnCardAndInTheLog) {
+TEST_F(TestShotsTest, oneThatTheBodyRefusesTwiceGoesThroughAndIsToldOnCardAndInTheLog) {
     const auto body = rig.addBody("CAM1");
     body->outcomes = {notYet, notYet, {.ok = true, .latencyMs = 212, .sentShutter = "shutterspeed2=1/500"}};
     EXPECT_EQ(tests.fire(body, shot), "");
@@ -53,7 +53,7 @@ TEST_F(TestShots, oneThatTheBodyRefusesTwiceGoesThroughAndIsToldOnCardAndInTheLo
     EXPECT_TRUE(rig.model.outcomes().shotCounts().empty()) << "no frame of the script";
 }
 
-TEST_F(TestShots, aBodyThatNeverHandsOverIsGivenUpAfter25SecondsWithAdvice) {
+TEST_F(TestShotsTest, aBodyThatNeverHandsOverIsGivenUpAfter25SecondsWithAdvice) {
     const auto body = rig.addBody("CAM1");
     for (int i = 0; i < 100; ++i)
         body->outcomes.push_back(notYet);
@@ -77,7 +77,7 @@ TEST_F(TestShots, aBodyThatNeverHandsOverIsGivenUpAfter25SecondsWithAdvice) {
     EXPECT_EQ(body->shots.size(), 18U);
 }
 
-TEST_F(TestShots, inALiveRunOneThatCouldCostTheBodyAFrameIsRefusedAndNoneIsInTheRunsLog) {
+TEST_F(TestShotsTest, inALiveRunOneThatCouldCostTheBodyAFrameIsRefusedAndNoneIsInTheRunsLog) {
     const double clock = rig.model.transport().clock();
     rig.load(rig.frameAt(clock + 100) + rig.frameAt(clock + 2000, "CAM2"));
     const auto body = rig.addBody("CAM1");
@@ -105,7 +105,7 @@ TEST_F(TestShots, inALiveRunOneThatCouldCostTheBodyAFrameIsRefusedAndNoneIsInThe
     EXPECT_EQ(rows[0][4], "CAM1");
 }
 
-TEST_F(TestShots, theDesktopsServicesAreKeptOffForAsLongAsTheBodyIsTried) {
+TEST_F(TestShotsTest, theDesktopsServicesAreKeptOffForAsLongAsTheBodyIsTried) {
     const auto body = rig.addBody("CAM1");
     body->outcomes = {notYet, notYet};
     body->onCapture = [&](const auto&) { EXPECT_EQ(family->holds, 1); };
@@ -126,7 +126,7 @@ TEST_F(TestShots, theDesktopsServicesAreKeptOffForAsLongAsTheBodyIsTried) {
     EXPECT_EQ(outcomes.size(), 3U) << "while a run plays or beside a Canon session they are left alone";
 }
 
-TEST_F(TestShots, aBodyThatGoesMeanwhileCompletesOnceAndLetsTheServicesOn) {
+TEST_F(TestShotsTest, aBodyThatGoesMeanwhileCompletesOnceAndLetsTheServicesOn) {
     const auto body = rig.addBody("CAM1");
     body->holdCompletions = true;
     fireManual(body);
@@ -155,7 +155,7 @@ TEST_F(TestShots, aBodyThatGoesMeanwhileCompletesOnceAndLetsTheServicesOn) {
     EXPECT_EQ(tests.result("new-id")->phrase, "dropped, camera disconnected");
 }
 
-TEST_F(TestShots, theResultGoesWithABodyThatGetsAnotherDriver) {
+TEST_F(TestShotsTest, theResultGoesWithABodyThatGetsAnotherDriver) {
     family->plugIn("77");
     rig.model.detector().detectCameras();
     rig.run(5);
@@ -169,7 +169,7 @@ TEST_F(TestShots, theResultGoesWithABodyThatGetsAnotherDriver) {
     EXPECT_EQ(lastFire(after->id()), "✓ 212ms");
 }
 
-TEST_F(TestShots, aSimulatedBodyAnswersToo) {
+TEST_F(TestShotsTest, aSimulatedBodyAnswersToo) {
     const auto body = rig.model.roster().addPlanningCamera("Z8");
     EXPECT_EQ(tests.fire(body, shot), "");
     EXPECT_TRUE(tests.result(body->id())->ok);

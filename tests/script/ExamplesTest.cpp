@@ -43,11 +43,6 @@ void expectSunUp(const CompiledScript& script, const Site& site) {
     }
 }
 
-const Site& zaragoza() {
-    static const Site site("2026-08-12", {41.65, -0.88, 200}, "Europe/Madrid");
-    return site;
-}
-
 TEST(Examples, theTotalEclipseFitsItsSiteAndOthers) {
     const CompiledScript script = compileExample("total-two-bodies.zenka", zaragoza());
     expectSunUp(script, zaragoza());

@@ -22,11 +22,6 @@ std::string at(const Site& site, const WizardChoices& choices, bool drop = false
                                   horizonOf(site, drop));
 }
 
-const Site& zaragoza() {
-    static const Site site("2026-08-12", {41.65, -0.88, 200}, "Europe/Madrid");
-    return site;
-}
-
 TEST(ScriptWizardGen, theHeaderSaysWhatTheScriptIsFor) {
     WizardChoices a;
     WizardChoices b;

@@ -45,6 +45,11 @@ inline const Site& carbondale() {
     return site;
 }
 
+inline const Site& zaragoza() {
+    static const Site site("2026-08-12", {41.65, -0.88, 200}, "Europe/Madrid");
+    return site;
+}
+
 /// 93 percent at most, and the Sun sets as it ends.
 inline const Site& paris() {
     static const Site site("2026-08-12", {48.8566, 2.3522, 35}, "Europe/Paris");

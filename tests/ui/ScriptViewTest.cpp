@@ -18,7 +18,7 @@
 using namespace zenka;
 using test::VirtualRig;
 using testing::ElementsAre;
-using Kind = ui::ScriptToken::Kind;
+using TokenKind = ui::ScriptToken::Kind;
 
 namespace {
 
@@ -47,9 +47,9 @@ protected:
     ui::ScriptView view{rig.model, rig.machine.all, nullptr};
 };
 
-std::vector<std::pair<Kind, std::string>> kinds(const char* line) {
+std::vector<std::pair<TokenKind, std::string>> kinds(const char* line) {
     const QString text = QString::fromUtf8(line);
-    std::vector<std::pair<Kind, std::string>> pieces;
+    std::vector<std::pair<TokenKind, std::string>> pieces;
     for (const ui::ScriptToken& token : ui::scriptTokens(text))
         pieces.emplace_back(token.kind, text.mid(token.start, token.length).toStdString());
     return pieces;
@@ -176,22 +176,24 @@ TEST_F(ScriptView, framesFarFromTheEclipseAreTold) {
 
 TEST(ScriptTokens, nameTheFieldsOfALine) {
     EXPECT_THAT(kinds("TAKEPIC,C2,-,00:08.0, CAM1 ,1/100,8.0,200,0.000,RAW,None,N,Ring, with a comma"),
-                ElementsAre(std::pair(Kind::command, "TAKEPIC"), std::pair(Kind::reference, "C2"),
-                            std::pair(Kind::number, "-"), std::pair(Kind::number, "00:08.0"),
-                            std::pair(Kind::camera, "CAM1"), std::pair(Kind::number, "1/100"),
-                            std::pair(Kind::number, "8.0"), std::pair(Kind::number, "200"),
-                            std::pair(Kind::number, "0.000"), std::pair(Kind::number, "RAW"),
-                            std::pair(Kind::number, "None"), std::pair(Kind::number, "N"),
-                            std::pair(Kind::words, "Ring, with a comma")));
+                ElementsAre(std::pair(TokenKind::command, "TAKEPIC"), std::pair(TokenKind::reference, "C2"),
+                            std::pair(TokenKind::number, "-"), std::pair(TokenKind::number, "00:08.0"),
+                            std::pair(TokenKind::camera, "CAM1"), std::pair(TokenKind::number, "1/100"),
+                            std::pair(TokenKind::number, "8.0"), std::pair(TokenKind::number, "200"),
+                            std::pair(TokenKind::number, "0.000"), std::pair(TokenKind::number, "RAW"),
+                            std::pair(TokenKind::number, "None"), std::pair(TokenKind::number, "N"),
+                            std::pair(TokenKind::words, "Ring, with a comma")));
     EXPECT_THAT(kinds("setexp,MAGPRE,50,+,1,CAM1"),
-                ElementsAre(std::pair(Kind::command, "setexp"), std::pair(Kind::reference, "MAGPRE"),
-                            std::pair(Kind::reference, "50"), std::pair(Kind::number, "+"),
-                            std::pair(Kind::number, "1"), std::pair(Kind::camera, "CAM1")));
-    EXPECT_THAT(kinds("  # a remark, TAKEPIC"), ElementsAre(std::pair(Kind::comment, "# a remark, TAKEPIC")));
-    EXPECT_THAT(kinds("TAKPIC,C2"), ElementsAre(std::pair(Kind::unknown, "TAKPIC")));
+                ElementsAre(std::pair(TokenKind::command, "setexp"),
+                            std::pair(TokenKind::reference, "MAGPRE"), std::pair(TokenKind::reference, "50"),
+                            std::pair(TokenKind::number, "+"), std::pair(TokenKind::number, "1"),
+                            std::pair(TokenKind::camera, "CAM1")));
+    EXPECT_THAT(kinds("  # a remark, TAKEPIC"),
+                ElementsAre(std::pair(TokenKind::comment, "# a remark, TAKEPIC")));
+    EXPECT_THAT(kinds("TAKPIC,C2"), ElementsAre(std::pair(TokenKind::unknown, "TAKPIC")));
     EXPECT_TRUE(kinds("").empty() && kinds("  ").empty() && kinds(",,").empty());
-    EXPECT_THAT(kinds("TAKEPIC,MAGPRE,"),
-                ElementsAre(std::pair(Kind::command, "TAKEPIC"), std::pair(Kind::reference, "MAGPRE")));
+    EXPECT_THAT(kinds("TAKEPIC,MAGPRE,"), ElementsAre(std::pair(TokenKind::command, "TAKEPIC"),
+                                                      std::pair(TokenKind::reference, "MAGPRE")));
 }
 
 // The colours must not call a command known that the compiler reports, or the other way round.
@@ -204,6 +206,6 @@ TEST(ScriptTokens, knowTheCommandsThatTheCompilerKnows) {
         const auto& diags = rig.model.script().diagnostics();
         const bool unknown = std::ranges::any_of(
             diags, [](const auto& diag) { return diag.message.starts_with("unknown command"); });
-        EXPECT_EQ(kinds(command).front().first == Kind::unknown, unknown) << command;
+        EXPECT_EQ(kinds(command).front().first == TokenKind::unknown, unknown) << command;
     }
 }
