@@ -37,5 +37,6 @@ std::string_view @name@() {
 } // namespace zenka::embedded
 ]=])
   set_property(SOURCE "${source}" APPEND PROPERTY OBJECT_DEPENDS "${file}")
+  set_property(SOURCE "${source}" PROPERTY SKIP_UNITY_BUILD_INCLUSION ON)
   target_sources(${target} PRIVATE "${source}")
 endfunction()

@@ -13,6 +13,7 @@ function(zenka_embed_text target file name)
     DEPENDS "${file}" "${ZENKA_EMBED_SCRIPT}"
     COMMENT "Embedding ${name}"
     VERBATIM)
+  set_property(SOURCE "${source}" PROPERTY SKIP_UNITY_BUILD_INCLUSION ON)
   target_sources(${target} PRIVATE "${source}")
 endfunction()
 
