@@ -11,6 +11,7 @@
 #include "platform/LinuxMachineSensors.h"
 #include "platform/LinuxProcessTable.h"
 #include "platform/LinuxSerialPorts.h"
+#include "platform/LinuxSharedLibraries.h"
 #include "platform/LinuxStallSampler.h"
 #include "platform/LinuxUsbBus.h"
 #include "platform/LinuxVolumes.h"
@@ -42,6 +43,7 @@ public:
     LinuxChildProcesses children;
     LinuxUsbBus usb;
     LinuxProcessTable processes;
+    LinuxSharedLibraries libraries;
     Exiv2Metadata images;
     LinuxVolumes volumes;
     QtHttpClient http{loop};
