@@ -9,13 +9,24 @@ namespace zenka::eclipse::Coord {
 
 namespace {
 
-/// −1 for a letter of the south or west, 1 for north or east, nothing for any other.
-std::optional<double> signOf(char letter) {
+/// −1 for a letter of the south or west, 1 for north or east, 0 for any other.
+double signOf(char letter) {
     if (letter == 'S' || letter == 'W')
         return -1;
-    if (letter == 'N' || letter == 'E')
+    return letter == 'N' || letter == 'E' ? 1 : 0;
+}
+
+/// Takes the letter of a direction off the beginning of a text, else off its end: its sign, 1 without one.
+double takenSign(std::string& text) {
+    if (const double leading = signOf(text.front()); leading != 0) {
+        text.erase(0, 1);
+        return leading;
+    }
+    const double trailing = signOf(text.back());
+    if (trailing == 0)
         return 1;
-    return std::nullopt;
+    text.pop_back();
+    return trailing;
 }
 
 } // namespace
@@ -24,14 +35,7 @@ std::optional<double> parse(std::string_view typed) {
     std::string text = base::uppered(base::trimmed(typed));
     if (text.empty())
         return std::nullopt;
-    double sign = 1;
-    if (const auto leading = signOf(text.front())) {
-        sign = *leading;
-        text.erase(0, 1);
-    } else if (const auto trailing = signOf(text.back())) {
-        sign = *trailing;
-        text.pop_back();
-    }
+    double sign = takenSign(text);
     // The typographic marks of degrees, minutes and seconds count like the plain ones.
     for (const std::string_view mark : {"°", "º", "'", "\"", "′", "″", "’", "”", "D", "M", ":"})
         text = base::replacedAll(text, mark, " ");
