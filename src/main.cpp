@@ -1,9 +1,11 @@
+#include "cameras/canon/MainThreadCalls.h"
 #include "cameras/gphoto2/GPhoto2Program.h"
 #include "cli/Switches.h"
 #include "platform/LinuxFolders.h"
 #include "platform/LinuxPorts.h"
 #include "platform/QtSettings.h"
 #include "platform/QuitSignals.h"
+#include "rig/CanonFamily.h"
 #include "rig/GPhoto2Family.h"
 #include "rig/RigModel.h"
 #include "rig/SettingsKeys.h"
@@ -65,8 +67,20 @@ int runWindow(int argc, char** argv) {
                                 .files = machine.files,
                                 .programFolder = QCoreApplication::applicationDirPath().toStdString(),
                                 .warn = [&log](const std::string& words) { log(words); }});
+    cameras::MainThreadCalls mainThread(machine.loop);
+    cameras::DriverMachine drivers{.queues = machine.queues, .loop = machine.loop, .clock = machine.clock};
+    cameras::CanonEDSDK canon(
+        {.driver = drivers,
+         .libraries = machine.libraries,
+         .bus = machine.usb,
+         .processes = machine.processes,
+         .daemons = *daemons,
+         .onMain = [&mainThread](const std::function<void()>& call) { return mainThread.run(call); }});
     // A maker's family is a line here; the order among them is that of a detection.
-    const rig::CameraDetector::Families families{std::make_shared<rig::GPhoto2Family>(*gphoto2, machine.usb)};
+    const rig::CameraDetector::Families families{
+        std::make_shared<rig::CanonFamily>(canon, settings),
+        std::make_shared<rig::GPhoto2Family>(*gphoto2, machine.usb),
+    };
     rig::RigModel rig(machine.all, ZENKA_VERSION, families);
     services::ModelStatsFetch statistics(machine.all, gphoto2->modelStats());
     statistics.primeModelStats();
@@ -84,7 +98,9 @@ int runWindow(int argc, char** argv) {
         return 1;
     const int status = QGuiApplication::exec();
     machine.usb.watch({});
+    mainThread.close(); // nobody is to wait for this thread, which waits for others from here on
     rig.handleAppWillTerminate();
+    canon.releaseSDK();
     log = [](const std::string&) {};
     return status;
 }

@@ -11,6 +11,7 @@ namespace zenka::platform {
 namespace {
 
 constexpr Nanoseconds budgetNs = 5'000'000;
+
 } // namespace
 
 QtMainLoop::QtMainLoop()

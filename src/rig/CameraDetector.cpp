@@ -67,6 +67,9 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
     }
 
     void list() {
+        // Not before: ending a service that looks at a body can end the session of one that works alone.
+        for (const auto& family : families)
+            servicesOff.push_back(std::make_unique<ServicesOff>(family));
         say("Listing the USB bus");
         if (const auto universal = universalFamily())
             listed = universal->enumerate({}, tell);
@@ -126,6 +129,7 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
         return one == families.end() ? nullptr : *one;
     }
 
+    std::vector<std::unique_ptr<ServicesOff>> servicesOff;
     std::vector<FoundBody> listed; ///< and not taken yet
     std::vector<FoundBody> seen;
     bool sonyOnFallback = false;
@@ -170,9 +174,6 @@ void CameraDetector::detectCameras() {
     passBegan_.emit();
     detecting_.set(true);
     log_.pushLog(beginning);
-    for (const auto& family : families_)
-        servicesOff_.push_back(std::make_unique<ServicesOff>(family));
-
     pass_ = std::make_shared<Pass>();
     pass_->families = families_;
     pass_->queue = queue_;
@@ -206,8 +207,8 @@ void CameraDetector::cancelDetect() {
 }
 
 void CameraDetector::endPass() {
+    pass_->servicesOff.clear();
     pass_.reset();
-    servicesOff_.clear();
     step_.set("");
     detecting_.set(false);
 }

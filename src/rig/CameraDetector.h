@@ -64,7 +64,6 @@ private:
     const Families families_;
     std::shared_ptr<ports::WorkQueue> queue_;
     std::shared_ptr<Pass> pass_;
-    std::vector<std::unique_ptr<ServicesOff>> servicesOff_; // while a pass runs
     std::map<std::string, std::string> hubs_;
     base::Published<bool> detecting_{false};
     base::Published<std::string> step_;

@@ -17,6 +17,7 @@ inline constexpr char welcomeSeen[] = "zenka.welcomeSeen";
 inline constexpr char simClock[] = "eclipse.simClock"; ///< "eclipseId|clock"
 
 /// What bodies were measured to hold, each + model.
+inline constexpr char canonNativeDriver[] = "eclipse.canonNativeDriver";        ///< flag, on when unset
 inline constexpr char measuredFloorPrefix[] = "eclipse.measuredFloor.";         ///< seconds
 inline constexpr char measuredSameFloorPrefix[] = "eclipse.measuredSameFloor."; ///< seconds
 inline constexpr char sustainedFloorPrefix[] = "eclipse.sustainedFloor.";       ///< seconds

@@ -117,6 +117,8 @@ TEST_F(Detect, aPassIsAloneCanBeCancelledAndLeavesTheListAsItWas) {
     EXPECT_TRUE(rig.logged("Detect is running already"));
     rig.run(0.1);
     EXPECT_TRUE(universal->made.at("N1")->suspended);
+    EXPECT_EQ(universal->holds, 0) << "not before the bus is listed";
+    rig.run(0.6);
     EXPECT_EQ(universal->holds, 1);
     EXPECT_FALSE(detector.step().get().empty());
     detector.cancelDetect();
