@@ -9,6 +9,7 @@
 #include "rig/GPhoto2Family.h"
 #include "rig/RigModel.h"
 #include "rig/SettingsKeys.h"
+#include "rig/SonyFamily.h"
 #include "services/ModelStatsFetch.h"
 #include "services/ServiceAddress.h"
 #include "services/UpdateCheck.h"
@@ -79,6 +80,11 @@ int runWindow(int argc, char** argv) {
     // A maker's family is a line here; the order among them is that of a detection.
     const rig::CameraDetector::Families families{
         std::make_shared<rig::CanonFamily>(canon, settings),
+        std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{.driver = drivers,
+                                                                   .libraries = machine.libraries,
+                                                                   .daemons = *daemons,
+                                                                   .bus = machine.usb,
+                                                                   .processes = machine.processes}),
         std::make_shared<rig::GPhoto2Family>(*gphoto2, machine.usb),
     };
     rig::RigModel rig(machine.all, ZENKA_VERSION, families);

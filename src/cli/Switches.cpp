@@ -3,6 +3,7 @@
 #include "cli/Analyze.h"
 #include "cli/CompileFile.h"
 #include "cli/Rehearse.h"
+#include "cli/SonyProbe.h"
 #include "cli/UsbHolders.h"
 #include "cli/UsbNames.h"
 #include "cli/Validate.h"
@@ -25,7 +26,8 @@ struct Switch {
 };
 
 // The order is fixed: of several switches given, the first of this table is run.
-constexpr std::array<Switch, 6> switches{{
+constexpr std::array<Switch, 7> switches{{
+    {"--sony", 0, [](Values) { probeSony(); }},
     {"--usb-names", 0, [](Values) { printUsbNames(); }},
     {"--usb-holders", 0, [](Values values) { printUsbHolders(values.empty() ? "" : values[0]); }},
     {"--validate", 0, [](Values) { runValidation(); }},

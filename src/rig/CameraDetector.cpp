@@ -173,9 +173,17 @@ void CameraDetector::detectCameras() {
     }
     passBegan_.emit();
     detecting_.set(true);
-    log_.pushLog(beginning);
     pass_ = std::make_shared<Pass>();
-    pass_->families = families_;
+    // A maker's link that never came back from its last look would not come back from another.
+    for (const auto& family : families_) {
+        const std::string advice =
+            family->turn() == CameraFamily::Turn::universal ? std::string() : family->stuckAdvice();
+        if (advice.empty())
+            pass_->families.push_back(family);
+        else
+            log_.pushLog(advice);
+    }
+    log_.pushLog(beginning);
     pass_->queue = queue_;
     step_.set("Letting go of the bodies from before");
     for (const auto& camera : roster_.cameras()) {

@@ -21,9 +21,10 @@ struct Switches : testing::Test {
         int status = 0;
     };
 
-    Result zenka(std::vector<std::string> arguments) const {
+    Result zenka(std::vector<std::string> arguments, const std::string& libraries = "") const {
         arguments.insert(arguments.begin(), ZENKA_EXECUTABLE);
-        Child child(arguments, {"HOME=" + home.string(), "XDG_CONFIG_HOME=", "TZ=UTC"});
+        Child child(arguments,
+                    {"HOME=" + home.string(), "XDG_CONFIG_HOME=", "TZ=UTC", "LD_LIBRARY_PATH=" + libraries});
         std::string output = child.readRest();
         return {std::move(output), child.wait()};
     }
@@ -237,4 +238,15 @@ TEST_F(Switches, aRehearsalWhoseLogCannotBeWrittenStillRuns) {
     const std::string last = lastLine(zenka({"--rehearse", script}).output);
     EXPECT_TRUE(last.starts_with("Rehearsed 1 captures on 1 bodies: 1 frames ok")) << last;
     EXPECT_NE(last.find("Run log: none, cannot write to "), std::string::npos) << last;
+}
+
+TEST_F(Switches, sonyTellsWhatItsSdkSeesAndThatThereIsNone) {
+    const Result none = zenka({"--validate", "--sony"});
+    EXPECT_EQ(none.status, 0);
+    EXPECT_EQ(none.output, "CrSDK init: FAILED\nCrSDK version: 0x00000000\nSony cameras enumerated: 0\n");
+
+    const Result two = zenka({"--sony"}, ZENKA_FAKE_CRSDK);
+    EXPECT_EQ(two.status, 0);
+    EXPECT_EQ(two.output, "CrSDK init: OK\nCrSDK version: 0x01020304\nSony cameras enumerated: 2\n"
+                          "  - ILCE-7M4\n  - ILCE-1\n");
 }

@@ -1,0 +1,177 @@
+#include "rig/SonyFamily.h"
+
+#include "cameras/sony/sony_bridge.h"
+#include "cameras/usb/SonyNames.h"
+#include "cameras/usb/USBHolders.h"
+
+#include <absl/strings/str_format.h>
+
+#include <algorithm>
+
+namespace zenka::rig {
+
+namespace {
+
+constexpr base::Seconds afterSonyRelease{0.5};
+constexpr base::Seconds beforeSecondLook{2.0};
+constexpr base::Seconds afterRebind{0.3};
+
+constexpr char initFailed[] =
+    "Sony CrSDK failed to initialize (the native SDK never loaded). Running on the universal fallback.";
+constexpr char sawNone[] =
+    "Native Sony SDK loaded but saw 0 cameras, the body is on USB but the SDK couldn't open it. Quit any "
+    "Sony app (Imaging Edge / Remote), confirm USB mode is Remote Shooting, unplug/replug with Zenka open, "
+    "then Detect.";
+constexpr char connectFailed[] =
+    "Native Sony SDK saw the camera but couldn't open a control session (connect failed). Unplug/replug with "
+    "Zenka open and Detect again. Running on the universal fallback meanwhile.";
+constexpr char driveDialAdvice[] =
+    " Also set the drive dial to Single: on the universal driver I can't check it, and a continuous dial "
+    "sprays a burst per press.";
+constexpr char stuck[] =
+    "⚠️ The Sony connection layer is stuck (a camera scan never returned). Unplug and "
+    "replug the Sony USB "
+    "cables, or power-cycle the bodies; this state cannot be cleared in software.";
+
+/// A session that no driver has taken over yet. Closing waits, so it is done in the background.
+class UnclaimedSession {
+public:
+    UnclaimedSession(ports::WorkQueues& queues, std::int64_t handle) : queues_(queues), handle_(handle) {}
+    UnclaimedSession(const UnclaimedSession&) = delete;
+    UnclaimedSession& operator=(const UnclaimedSession&) = delete;
+    ~UnclaimedSession() {
+        if (handle_ != 0)
+            queues_.background([handle = handle_] { cameras::zenka_sony_disconnect(handle); });
+    }
+
+    std::int64_t claim() { return std::exchange(handle_, 0); }
+
+private:
+    ports::WorkQueues& queues_;
+    std::int64_t handle_;
+};
+
+} // namespace
+
+SonyFamily::SonyFamily(Machine machine)
+    : machine_(std::move(machine)), rivals_{.procs =
+                                                [&daemons = machine_.daemons] {
+                                                    return daemons.cameraGrabbingProcesses();
+                                                },
+                                            .holders =
+                                                [&bus = machine_.bus, &processes = machine_.processes] {
+                                                    return cameras::USBHolders::sonyHolders(bus, processes);
+                                                }} {
+    cameras::zenka_sony_set_up(&machine_.libraries, machine_.waits);
+}
+
+SonyFamily::~SonyFamily() {
+    cameras::zenka_sony_release();
+    cameras::zenka_sony_set_up(nullptr);
+}
+
+std::vector<SonyFamily::Found> SonyFamily::lookTwice() {
+    auto found = cameras::SonyCRSDK::enumerate();
+    if (found.empty() && !cameras::SonyCRSDK::enumerateWedged()) {
+        machine_.driver.pause(beforeSecondLook);
+        found = cameras::SonyCRSDK::enumerate();
+    }
+    return found;
+}
+
+std::vector<FoundBody> SonyFamily::enumerate(const std::vector<FoundBody>& listed, const Tell&) {
+    namespace SonyNames = cameras::SonyNames;
+    matched_.clear();
+    if (cameras::zenka_sony_init() == 0) {
+        sonyFallbackReason_ = initFailed;
+        return listed;
+    }
+    sonyFallbackReason_ = sawNone;
+    cameras::zenka_sony_disconnect_all();
+    machine_.driver.pause(afterSonyRelease);
+    std::vector<Found> found = lookTwice();
+    for (const FoundBody& body : listed) {
+        const auto match =
+            std::ranges::find(found, SonyNames::sonyModelKey(body.model), [](const Found& candidate) {
+                return SonyNames::sonyModelKey(candidate.model);
+            });
+        if (match == found.end())
+            continue;
+        matched_.emplace_back(body, *match);
+        found.erase(match);
+    }
+    return listed;
+}
+
+CameraFamily::MakeDriver SonyFamily::connect(const FoundBody& body, const Tell&) {
+    const auto match = std::ranges::find(matched_, body, &std::pair<FoundBody, Found>::first);
+    if (match == matched_.end())
+        return {};
+    const Found found = match->second;
+    const std::int64_t handle = cameras::zenka_sony_connect(found.index, found.serial.c_str());
+    if (handle == 0) {
+        sonyFallbackReason_ = connectFailed;
+        return {};
+    }
+    return driverOf(handle, body.model, found.serial);
+}
+
+CameraFamily::MakeDriver SonyFamily::driverOf(std::int64_t handle, const std::string& model,
+                                              const std::string& serial) {
+    using namespace cameras;
+    SonyCRSDKCamera::Body body{.id = absl::StrFormat("crsdk-%s-%d", serial, ++made_),
+                               .model = model,
+                               .serial = serial,
+                               .handle = 0, // until the driver is made
+                               .driveModeBurst = zenka_sony_drive_is_burst(handle) != 0,
+                               .handshakeOK = zenka_sony_last_handshake_ok() != 0,
+                               .firmwareVersion = SonyCRSDK::firmware(handle),
+                               .choices = SonyCRSDK::exposureChoices(handle)};
+    const DriverMachine::Fields fields{
+        {"model", model},
+        {"fw", body.firmwareVersion},
+        {"state", SonyCRSDK::stateDump(handle)},
+        {"prio", absl::StrFormat("%d>%d", zenka_sony_priority_before(), zenka_sony_priority_after())},
+        {"ep",
+         absl::StrFormat("%d>%d", zenka_sony_exposure_program_before(), zenka_sony_exposure_program_after())},
+        {"hs", body.handshakeOK ? "1" : "0"},
+        {"shutters", absl::StrFormat("%d", body.choices.shutter.size())}};
+    const auto session = std::make_shared<UnclaimedSession>(machine_.driver.queues, handle);
+    return [driver = machine_.driver, rivals = rivals_, body, fields, session]() mutable -> Camera {
+        driver.report("sony_connected", fields);
+        body.handle = session->claim();
+        return std::make_shared<SonyCRSDKCamera>(driver, rivals, body);
+    };
+}
+
+std::string SonyFamily::explainFallback() const {
+    return sonyFallbackReason_ + driveDialAdvice;
+}
+
+void SonyFamily::release(const Camera& camera) {
+    if (const auto sony = std::dynamic_pointer_cast<cameras::SonyCRSDKCamera>(camera))
+        sony->letGo();
+    else
+        camera->disconnect();
+}
+
+std::vector<CameraFamily::Rebound> SonyFamily::rebind(const std::vector<DownBody>& down, const Tell&) {
+    std::vector<Rebound> back;
+    for (const Found& found : cameras::SonyCRSDK::enumerate()) {
+        const auto wanted = std::ranges::find(down, found.serial, &DownBody::serial);
+        if (wanted == down.end() || found.serial.empty())
+            continue;
+        const std::int64_t handle = cameras::zenka_sony_connect(found.index, found.serial.c_str());
+        if (handle == 0)
+            continue;
+        back.push_back({.id = wanted->id, .make = driverOf(handle, wanted->model, wanted->serial)});
+        machine_.driver.pause(afterRebind);
+    }
+    return back;
+}
+
+std::string SonyFamily::stuckAdvice() const {
+    return cameras::SonyCRSDK::enumerateWedged() ? stuck : "";
+}
+
+} // namespace zenka::rig

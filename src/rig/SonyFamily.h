@@ -1,0 +1,64 @@
+#pragma once
+
+#include "cameras/DriverMachine.h"
+#include "cameras/gphoto2/CameraDaemons.h"
+#include "cameras/sony/SonyCRSDK.h"
+#include "cameras/sony/SonyCRSDKCamera.h"
+#include "cameras/sony/SonyWaits.h"
+#include "ports/ProcessTable.h"
+#include "ports/SharedLibraries.h"
+#include "ports/UsbBus.h"
+#include "rig/CameraFamily.h"
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zenka::rig {
+
+/// Sony bodies through the maker's SDK. There is one such family at a time; it ends the SDK with itself.
+class SonyFamily final : public CameraFamily {
+public:
+    /// What it stands on outlives it, and its drivers with their queues.
+    struct Machine {
+        cameras::DriverMachine driver;
+        ports::SharedLibraries& libraries;
+        cameras::CameraDaemons& daemons;
+        ports::UsbBus& bus;
+        ports::ProcessTable& processes;
+        std::shared_ptr<const cameras::SonyWaits> waits = std::make_shared<const cameras::SonyWaits>();
+    };
+    explicit SonyFamily(Machine machine);
+    SonyFamily(const SonyFamily&) = delete;
+    SonyFamily& operator=(const SonyFamily&) = delete;
+    ~SonyFamily() override;
+
+    std::string backend() const override { return "CrSDK"; }
+    Turn turn() const override { return Turn::beforeOthers; }
+    bool takes(const FoundBody& body) const override { return body.isSony; }
+    std::vector<FoundBody> enumerate(const std::vector<FoundBody>& listed, const Tell& tell) override;
+    MakeDriver connect(const FoundBody& body, const Tell& tell) override;
+    std::string explainFallback() const override;
+    void release(const Camera& camera) override;
+    std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) override;
+    std::string stuckAdvice() const override;
+    void holdServicesOff() override { machine_.daemons.startDaemonSuppressor(); }
+    void letServicesOn() override { machine_.daemons.stopDaemonSuppressor(); }
+
+private:
+    using Found = cameras::SonyCRSDK::Found;
+
+    std::vector<Found> lookTwice();
+    MakeDriver driverOf(std::int64_t handle, const std::string& model, const std::string& serial);
+
+    const Machine machine_;
+    const cameras::SonyRivals rivals_;
+    std::vector<std::pair<FoundBody, Found>> matched_; ///< by the enumeration of this pass
+    std::string sonyFallbackReason_;
+    std::atomic<int> made_ = 0;
+};
+
+} // namespace zenka::rig
