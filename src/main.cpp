@@ -7,6 +7,7 @@
 #include "platform/QuitSignals.h"
 #include "rig/CanonFamily.h"
 #include "rig/GPhoto2Family.h"
+#include "rig/LumixFamily.h"
 #include "rig/RigModel.h"
 #include "rig/SettingsKeys.h"
 #include "rig/SonyFamily.h"
@@ -77,9 +78,13 @@ int runWindow(int argc, char** argv) {
          .processes = machine.processes,
          .daemons = *daemons,
          .onMain = [&mainThread](const std::function<void()>& call) { return mainThread.run(call); }});
+    const cameras::LumixMachine lumix{.drivers = drivers,
+                                      .children = machine.children,
+                                      .programFolder = QCoreApplication::applicationDirPath().toStdString()};
     // A maker's family is a line here; the order among them is that of a detection.
     const rig::CameraDetector::Families families{
         std::make_shared<rig::CanonFamily>(canon, settings),
+        std::make_shared<rig::LumixFamily>(lumix, machine.usb, *daemons),
         std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{.driver = drivers,
                                                                    .libraries = machine.libraries,
                                                                    .daemons = *daemons,

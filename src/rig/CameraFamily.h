@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cameras/CameraControl.h"
+#include "ports/UsbBus.h"
 
 #include <functional>
 #include <memory>
@@ -123,5 +124,9 @@ public:
 private:
     const std::shared_ptr<CameraFamily> family_;
 };
+
+/// Ids of the bodies whose port no longer has a device of their serial number; none when the bus cannot be
+/// looked at. Background.
+std::vector<std::string> goneFromPorts(ports::UsbBus& bus, const std::vector<HeldBody>& held);
 
 } // namespace zenka::rig

@@ -126,19 +126,7 @@ std::vector<CameraFamily::Rebound> GPhoto2Family::rebind(const std::vector<DownB
 }
 
 std::vector<std::string> GPhoto2Family::goneFromBus(const std::vector<HeldBody>& held) {
-    std::vector<std::string> gone;
-    const auto devices = bus_.devices();
-    if (!devices)
-        return gone;
-    for (const HeldBody& body : held) {
-        const bool there = std::ranges::any_of(*devices, [&](const ports::UsbDevice& device) {
-            return USBCameraNames::gphotoPort(device) == body.port &&
-                   (body.serial.empty() || device.serial == body.serial);
-        });
-        if (!there)
-            gone.push_back(body.id);
-    }
-    return gone;
+    return goneFromPorts(bus_, held);
 }
 
 } // namespace zenka::rig

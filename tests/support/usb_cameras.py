@@ -11,7 +11,10 @@ gets a line back for each:
     {"do": "plug", "serial": "6012345", "vendor": "NIKON", "product": "NIKON DSC Z 8", "vid": 1200, "address": 5}
     {"do": "pull", "serial": "6012345"}
     {"do": "silence", "serial": "6012345"}     it takes commands and answers none until it is reset or pulled
+    {"do": "stall", "serial": "6012345"}       its next answer to a command is a stall, then the answer
     {"do": "tell", "serial": "6012345"}        {"shots": 12, "sets": 3, "iso": 200, ...}
+
+One of vendor 0x04da (1242) is a Lumix body with its maker's operations.
 
 Its end is the program's end, with its exit status.
 """
@@ -32,6 +35,7 @@ from gi.repository import GLib, UMockdev  # noqa: E402
 
 BUS = 1
 ENOENT, EIO, EAGAIN, EBUSY, ENODEV, EINVAL, ENOTTY, ENODATA = 2, 5, 11, 16, 19, 22, 25, 61
+EPIPE = 32
 
 # usbfs, linux/usbdevice_fs.h: the numbers of the requests
 SETINTERFACE, SETCONFIGURATION, GETDRIVER, SUBMITURB, DISCARDURB, REAPURB = 4, 5, 8, 10, 11, 12
@@ -49,6 +53,10 @@ GET_PROP_DESC, GET_PROP_VALUE, SET_PROP_VALUE = 0x1014, 0x1015, 0x1016
 OPERATIONS = [*range(0x1001, 0x1006), GET_OBJECT_HANDLES, GET_OBJECT_INFO, INITIATE_CAPTURE, GET_PROP_DESC,
               GET_PROP_VALUE, SET_PROP_VALUE]
 OBJECT_ADDED, CAPTURE_COMPLETE = 0x4002, 0x400D
+# and what Lumix bodies have beside it
+PANASONIC, LUMIX_SET, LUMIX_CAPTURE = 0x04DA, 0x9403, 0x9404
+LUMIX_SINGLE, LUMIX_BULB_START, LUMIX_BULB_STOP = 0x03000011, 0x03000012, 0x03000013
+LUMIX_PROPERTIES = {0x02000021: "lumixIso", 0x02000031: "lumixShutter", 0x02000041: "lumixAperture"}
 JPEG, UNDEFINED = 0x3801, 0x3000
 TYPES = {"B": 2, "h": 3, "H": 4, "I": 6}
 
@@ -82,7 +90,9 @@ class Camera(UMockdev.IoctlBase):
         self.vendor, self.product = order["vendor"], order["product"]
         self.serial, self.address = order["serial"], order["address"]
         self.values = {code: value for code, (_, _, value, _) in PROPERTIES.items()}
-        self.shots = self.sets = 0
+        self.shots = self.sets = self.sessions = self.bulbs = self.stalled = 0
+        self.lumix = dict.fromkeys(LUMIX_PROPERTIES, 0) if order["vid"] == PANASONIC else {}
+        self.stalls = False
         self.silent = self.gone = False
         self.owner = None  # of the interface
         self.forget_transfers()
@@ -116,8 +126,31 @@ class Camera(UMockdev.IoctlBase):
 
     # --- what it says
 
+    def operations(self):
+        return OPERATIONS + ([LUMIX_SET, LUMIX_CAPTURE] if self.lumix else [])
+
+    def take_frame(self, transaction):
+        self.shots += 1
+        self.events += [container(EVENT, OBJECT_ADDED, transaction, struct.pack("<I", self.shots)),
+                        container(EVENT, CAPTURE_COMPLETE, transaction)]
+
+    def perform_lumix(self, operation, transaction, parameters, data):
+        """The code of the answer."""
+        if operation == LUMIX_SET:
+            name, size = struct.unpack("<II", data[:8])
+            if name != parameters[0] or name not in self.lumix or size not in (2, 4) or len(data) != 8 + size:
+                return 0x2006
+            self.lumix[name] = int.from_bytes(data[8:], "little")
+            self.sets += 1
+        elif parameters[0] in (LUMIX_SINGLE, LUMIX_BULB_STOP):
+            self.bulbs += parameters[0] == LUMIX_BULB_STOP
+            self.take_frame(transaction)
+        elif parameters[0] != LUMIX_BULB_START:
+            return 0x201D
+        return OK
+
     def device_info(self):
-        return (struct.pack("<HIH", 100, 0, 0) + text("") + struct.pack("<H", 0) + array("H", OPERATIONS) +
+        return (struct.pack("<HIH", 100, 0, 0) + text("") + struct.pack("<H", 0) + array("H", self.operations()) +
                 array("H", [OBJECT_ADDED, CAPTURE_COMPLETE]) + array("H", sorted(self.values)) + array("H", [JPEG]) +
                 array("H", [JPEG, UNDEFINED]) + text(self.vendor) + text(self.product) + text("1.00") +
                 text(self.serial))
@@ -158,10 +191,12 @@ class Camera(UMockdev.IoctlBase):
             (self.values[parameters[0]],) = struct.unpack("<" + PROPERTIES[parameters[0]][1], data)
             self.sets += 1
         elif operation == INITIATE_CAPTURE:
-            self.shots += 1
-            self.events += [container(EVENT, OBJECT_ADDED, transaction, struct.pack("<I", self.shots)),
-                            container(EVENT, CAPTURE_COMPLETE, transaction)]
-        elif operation not in (OPEN_SESSION, CLOSE_SESSION):
+            self.take_frame(transaction)
+        elif operation in (LUMIX_SET, LUMIX_CAPTURE) and self.lumix:
+            code = self.perform_lumix(operation, transaction, parameters, data)
+        elif operation in (OPEN_SESSION, CLOSE_SESSION):
+            self.sessions += 1 if operation == OPEN_SESSION else -1
+        else:
             code = NOT_SUPPORTED
         if payload is not None:
             self.answers.append(container(DATA, operation, transaction, payload))
@@ -173,7 +208,7 @@ class Camera(UMockdev.IoctlBase):
             return self.perform(*order, transfer[12:])
         _, _, operation, transaction = struct.unpack("<IHHI", transfer[:12])
         parameters = struct.unpack(f"<{(len(transfer) - 12) // 4}I", transfer[12:])
-        if operation == SET_PROP_VALUE:
+        if operation in (SET_PROP_VALUE, LUMIX_SET):
             self.takes_data_of = (operation, transaction, parameters)
         else:
             self.perform(operation, transaction, parameters)
@@ -191,6 +226,11 @@ class Camera(UMockdev.IoctlBase):
             queue = self.answers if endpoint == BULK_IN else self.events
             if not queue:
                 continue
+            if self.stalls and endpoint == BULK_IN:
+                self.stalls, self.stalled = False, self.stalled + 1
+                self.waiting.remove(urb)
+                self.finish(data, -EPIPE, 0)
+                continue
             piece, rest = queue[0][:length], queue[0][length:]
             queue[:1] = [rest] if rest else []
             self.waiting.remove(urb)
@@ -202,6 +242,8 @@ class Camera(UMockdev.IoctlBase):
         answer = b""
         if request == 0x67:  # device status
             answer = struct.pack("<HH", 4, OK)
+        elif request == 0x64:  # a transaction that hangs is over
+            self.takes_data_of = None
         elif request == 6 and value >> 8 == 3:  # a string
             words = {1: self.vendor, 2: self.product, 3: self.serial}.get(value & 255, "").encode("utf-16-le")
             answer = bytes([len(words) + 2, 3]) + (words if value & 255 else b"\x09\x04")
@@ -258,9 +300,12 @@ class Camera(UMockdev.IoctlBase):
         elif number == SUBMITURB:
             self.submit(argument)
         elif number == DISCARDURB:
-            if not self.waiting:
+            address = argument.resolve(0, URB_SIZE).client_addr
+            unwanted = [urb for urb in self.waiting if urb[0].client_addr == address]
+            if not unwanted:
                 return EINVAL
-            self.finish(self.waiting.pop(0)[0], -ENOENT, 0)
+            self.waiting.remove(unwanted[0])
+            self.finish(unwanted[0][0], -ENOENT, 0)
         elif number in (REAPURB, REAPURBNDELAY):
             if not self.finished:
                 return EAGAIN
@@ -306,14 +351,20 @@ class Bus:
         self.cameras[order["serial"]].silent = True
         return {}
 
+    def stall(self, order):
+        self.cameras[order["serial"]].stalls = True
+        return {}
+
     def tell(self, order):
         camera = self.cameras[order["serial"]]
         told = {PROPERTIES[code][0]: value for code, value in camera.values.items()}
-        return told | {"shots": camera.shots, "sets": camera.sets}
+        told |= {LUMIX_PROPERTIES[name]: value for name, value in camera.lumix.items()}
+        return told | {"shots": camera.shots, "sets": camera.sets, "sessions": camera.sessions, "bulbs": camera.bulbs,
+                       "stalled": camera.stalled}
 
     def obey(self, line):
         order = json.loads(line)
-        return json.dumps({"plug": self.plug, "pull": self.pull, "silence": self.silence,
+        return json.dumps({"plug": self.plug, "pull": self.pull, "silence": self.silence, "stall": self.stall,
                            "tell": self.tell}[order["do"]](order))
 
 

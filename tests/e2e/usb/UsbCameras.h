@@ -24,6 +24,8 @@ public:
     void pull(const std::string& serial) { order({{"do", "pull"}, {"serial", serial}}); }
     /// It takes commands and answers none until it is reset or plugged in again.
     void silence(const std::string& serial) { order({{"do", "silence"}, {"serial", serial}}); }
+    /// Its next answer is behind a stall.
+    void stall(const std::string& serial) { order({{"do", "stall"}, {"serial", serial}}); }
     /// A number of a body since it was plugged in: "shots", "sets", "iso".
     int tell(const std::string& serial, const std::string& what) {
         return order({{"do", "tell"}, {"serial", serial}}).at(what).get<int>();
