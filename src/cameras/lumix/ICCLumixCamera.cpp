@@ -72,7 +72,7 @@ struct ICCLumixCamera::Firing : std::enable_shared_from_this<Firing> {
         });
     }
 
-    void answered(std::uint16_t code, bool noResponse) {
+    void answered(std::uint16_t code, bool noResponse) const {
         CaptureOutcome outcome{.ok = code == LumixPTP::success, .responded = !noResponse};
         if (noResponse)
             outcome.note = "no response";
