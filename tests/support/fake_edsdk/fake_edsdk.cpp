@@ -63,6 +63,10 @@ Error EdsInitializeSDK() {
 }
 
 Error EdsTerminateSDK() {
+    // What was not released goes with the SDK, and still counts as not released.
+    for (const auto& [model, camera] : cameras)
+        delete camera;
+    cameras.clear();
     return recorded("terminate", "terminate");
 }
 
