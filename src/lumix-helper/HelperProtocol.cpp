@@ -67,9 +67,8 @@ std::optional<std::string> RequestLines::next() {
 
 std::string HelperProtocol::answer(const std::string& line) {
     const Json request = Json::parse(line, nullptr, false);
-    Json answer = request.is_object() ? perform(request) : Json{{"error", "no JSON object in one line"}};
-    if (request.is_object() && request.contains("id"))
-        answer["id"] = request["id"];
+    const Json answer =
+        request.is_object() ? perform(request) : Json{{"error", "no JSON object in one line"}};
     return answer.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 

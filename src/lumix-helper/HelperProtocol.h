@@ -35,8 +35,8 @@ private:
 ///                            "auto_iso":false} and what "status" gives
 ///   {"cmd":"quit"}          {"quit":true}, and the helper ends
 ///
-/// What the body does not tell is left out. An "id" comes back as it was. "responded":false means that the
-/// body kept silent, "gone":true that it has left the bus, "error" what is wrong with the request.
+/// What the body does not tell is left out. "responded":false means that the body kept silent, "gone":true
+/// that it has left the bus, "error" what is wrong with the request. Each line gets one answer, in order.
 class HelperProtocol {
 public:
     explicit HelperProtocol(LumixBody& body) : body_(body) {}

@@ -92,8 +92,11 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
             std::erase_if(listed, [&](const FoundBody& body) {
                 return family->takes(body) && std::ranges::find(left, body) == left.end();
             });
-            if (!left.empty() && !family->explainFallback().empty())
-                tell(family->explainFallback());
+            const std::string reason = left.empty() ? std::string() : family->explainFallback();
+            if (!reason.empty())
+                tell(reason);
+            if (std::ranges::any_of(left, &FoundBody::isSony))
+                sonyFallbackReason = reason;
         }
         then(base::Seconds{0}, &Pass::takeTheRest);
     }
@@ -133,6 +136,7 @@ struct CameraDetector::Pass : std::enable_shared_from_this<Pass> {
     std::vector<FoundBody> listed; ///< and not taken yet
     std::vector<FoundBody> seen;
     bool sonyOnFallback = false;
+    std::string sonyFallbackReason;
 };
 
 CameraDetector::CameraDetector(const ports::Ports& ports, RigLog& log, CameraRoster& roster,
@@ -248,6 +252,7 @@ void CameraDetector::publish(const Pass& pass) {
         if (before != idsBefore.end() && before->second != camera->id())
             carried_.emit(before->second, camera->id());
     }
+    sonyFallbackReason_.set(pass.sonyFallbackReason);
     tellWhatWasFound(found, pass.sonyOnFallback);
     published_.emit();
 }

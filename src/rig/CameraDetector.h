@@ -37,6 +37,9 @@ public:
     /// What the pass does now, in words; empty when none runs.
     const base::Published<std::string>& step() const { return step_; }
 
+    /// Why a Sony of the last pass is driven by the universal driver; empty when none is, or nobody can say.
+    const base::Published<std::string>& sonyFallbackReason() const { return sonyFallbackReason_; }
+
     const Families& families() const { return families_; }
     std::shared_ptr<CameraFamily> familyOf(const std::string& backend) const;
 
@@ -67,6 +70,7 @@ private:
     std::map<std::string, std::string> hubs_;
     base::Published<bool> detecting_{false};
     base::Published<std::string> step_;
+    base::Published<std::string> sonyFallbackReason_;
     sigc::signal<void()> passBegan_;
     sigc::signal<void(const std::string&, const std::string&)> carried_;
     sigc::signal<void()> published_;

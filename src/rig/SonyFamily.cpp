@@ -84,12 +84,14 @@ std::vector<FoundBody> SonyFamily::enumerate(const std::vector<FoundBody>& liste
     matched_.clear();
     if (cameras::zenka_sony_init() == 0) {
         sonyFallbackReason_ = initFailed;
+        noteDiag("init failed");
         return listed;
     }
     sonyFallbackReason_ = sawNone;
     cameras::zenka_sony_disconnect_all();
     machine_.driver.pause(afterSonyRelease);
     std::vector<Found> found = lookTwice();
+    noteDiag(absl::StrFormat("enumerated %d camera(s)", found.size()));
     for (const FoundBody& body : listed) {
         const auto match =
             std::ranges::find(found, SonyNames::sonyModelKey(body.model), [](const Found& candidate) {
@@ -111,6 +113,9 @@ CameraFamily::MakeDriver SonyFamily::connect(const FoundBody& body, const Tell&)
     const std::int64_t handle = cameras::zenka_sony_connect(found.index, found.serial.c_str());
     if (handle == 0) {
         sonyFallbackReason_ = connectFailed;
+        noteDiag(absl::StrFormat(
+            "connect of %s failed, last callback error %s", found.model,
+            cameras::SonyCRSDK::callbackErrorName(cameras::zenka_sony_last_callback_error())));
         return {};
     }
     return driverOf(handle, body.model, found.serial);
@@ -168,6 +173,16 @@ std::vector<CameraFamily::Rebound> SonyFamily::rebind(const std::vector<DownBody
         machine_.driver.pause(afterRebind);
     }
     return back;
+}
+
+void SonyFamily::noteDiag(std::string diag) {
+    const std::lock_guard lock(mutex_);
+    lastSonyDiag_ = std::move(diag);
+}
+
+std::string SonyFamily::lastSonyDiag() const {
+    const std::lock_guard lock(mutex_);
+    return lastSonyDiag_;
 }
 
 std::string SonyFamily::stuckAdvice() const {

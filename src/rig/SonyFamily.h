@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -45,6 +46,9 @@ public:
     void release(const Camera& camera) override;
     std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) override;
     std::string stuckAdvice() const override;
+
+    /// What the last look at the bus came to, in the SDK's own words, for reports. Any thread.
+    std::string lastSonyDiag() const;
     void holdServicesOff() override { machine_.daemons.startDaemonSuppressor(); }
     void letServicesOn() override { machine_.daemons.stopDaemonSuppressor(); }
 
@@ -52,12 +56,15 @@ private:
     using Found = cameras::SonyCRSDK::Found;
 
     std::vector<Found> lookTwice();
+    void noteDiag(std::string diag);
     MakeDriver driverOf(std::int64_t handle, const std::string& model, const std::string& serial);
 
     const Machine machine_;
     const cameras::SonyRivals rivals_;
     std::vector<std::pair<FoundBody, Found>> matched_; ///< by the enumeration of this pass
     std::string sonyFallbackReason_;
+    mutable std::mutex mutex_;
+    std::string lastSonyDiag_;
     std::atomic<int> made_ = 0;
 };
 

@@ -34,6 +34,7 @@ struct SonyFamilyTest : testing::Test {
     std::shared_ptr<test::VirtualSonyWaits> waits;
     std::optional<cameras::CameraDaemons> daemons;
     std::vector<std::pair<std::string, cameras::DriverMachine::Fields>> reports;
+    std::shared_ptr<rig::SonyFamily> family;
     std::shared_ptr<test::ScriptedFamily> universal = std::make_shared<test::ScriptedFamily>();
 
     test::VirtualRig rig{[this](platform::VirtualPorts& machine) { return familiesOn(machine); }};
@@ -48,13 +49,13 @@ struct SonyFamilyTest : testing::Test {
             .report = [this](const std::string& event,
                              const auto& fields) { reports.emplace_back(event, fields); },
             .pause = [&machine](base::Seconds span) { machine.time.sleepFor(span); }};
-        return {std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{.driver = driver,
-                                                                           .libraries = sdk,
-                                                                           .daemons = *daemons,
-                                                                           .bus = bus,
-                                                                           .processes = processes,
-                                                                           .waits = waits}),
-                universal};
+        family = std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{.driver = driver,
+                                                                            .libraries = sdk,
+                                                                            .daemons = *daemons,
+                                                                            .bus = bus,
+                                                                            .processes = processes,
+                                                                            .waits = waits});
+        return {family, universal};
     }
     ~SonyFamilyTest() override {
         waits->stuckWork = nullptr;
@@ -127,6 +128,8 @@ TEST_F(SonyFamilyTest, aSonyLeftToTheUniversalDriverIsExplained) {
     fallsBackWith(sawNone);
     sdk.bodies = {{.model = "ILCE-7M4", .id = {0x11}, .connectError = 33290}};
     fallsBackWith("but couldn't open a control session (connect failed).");
+    EXPECT_THAT(rig.model.detector().sonyFallbackReason().get(), testing::HasSubstr("(connect failed)"));
+    EXPECT_EQ(family->lastSonyDiag(), "connect of ILCE-7M4 failed, last callback error none");
 }
 
 TEST_F(SonyFamilyTest, aCancelledPassLetsGoOfWhatItHasConnected) {

@@ -22,14 +22,13 @@ public:
 
     explicit ScriptedHelpers(platform::VirtualTime& time) : time_(time) {}
 
-    /// What a request comes to: a line, printed as it stands behind the "id" that is put in.
+    /// What a request comes to: a line.
     struct Answer {
         Json words = Json::object();
         double seconds = 0.06;
         bool silent = false; ///< no answer at all
         bool dies = false;   ///< the helper ends instead
         std::string raw;     ///< printed instead of the words
-        bool withId = true;
     };
     std::function<Answer(const Json& request)> answer = [this](const Json& request) {
         if (request["cmd"] == "fire") {
@@ -58,11 +57,10 @@ public:
         return {.child = std::make_unique<Child>(*this), .fault = {}};
     }
 
-    /// The requests since the last call, without their ids.
+    /// The requests since the last call.
     std::vector<std::string> sent() {
         std::vector<std::string> list;
         for (Json& request : requests) {
-            request.erase("id");
             list.push_back(request.dump());
         }
         requests.clear();
@@ -91,9 +89,7 @@ private:
                 ended_ = true;
                 return true;
             }
-            Answer said = owner_.answer(request);
-            if (said.withId)
-                said.words["id"] = request["id"];
+            const Answer said = owner_.answer(request);
             ended_ = said.dies;
             if (!said.silent && !said.dies)
                 events_.push_back({.due = now() + said.seconds,

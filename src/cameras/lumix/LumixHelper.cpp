@@ -58,7 +58,7 @@ bool LumixHelper::start() {
     stop();
     outBuf_.clear();
     errorTail_.clear();
-    answerOwed_ = false;
+    answersOwed_ = 0;
     const auto start = LumixPlaces::startOf(machine_, bus_, address_);
     if (!start) {
         setFault("the helper program for LUMIX bodies, zenka-lumix-helper, is not installed");
@@ -90,59 +90,54 @@ bool LumixHelper::nextLine(std::string& line) {
 /// False at the deadline and at the end of its output.
 bool LumixHelper::readMore(ports::ChildProcess& child, double deadline) {
     const double left = deadline - machine_.drivers.clock.continuousSeconds();
-    if (left <= 0)
-        return false;
-    const auto output = child.read(base::Seconds{left});
+    const auto output = child.read(base::Seconds{std::max(left, 0.0)});
     outBuf_ += output.out;
     errorTail_ += output.err;
     if (errorTail_.size() > keptErrors)
         errorTail_.erase(0, errorTail_.size() - keptErrors);
-    return !output.ended || !output.out.empty();
+    return !output.out.empty() || (!output.ended && left > 0);
 }
 
-/// Drops what came in answer to a request that nobody waits for any more. A helper that repeats the id of a
-/// request needs this not.
+/// Drops what came since the last request: answers that nobody waits for any more, and what was no answer.
 void LumixHelper::dropStale(ports::ChildProcess& child) {
-    if (!std::exchange(answerOwed_, false))
-        return;
-    const auto output = child.read(base::Seconds{0});
-    errorTail_ += output.err;
-    outBuf_.clear();
+    readMore(child, machine_.drivers.clock.continuousSeconds());
+    for (std::string line; nextLine(line);)
+        answersOwed_ = std::max(answersOwed_ - 1, 0);
 }
 
-std::optional<LumixHelper::Json> LumixHelper::request(Json dictionary, base::Seconds timeout) {
+std::optional<LumixHelper::Json> LumixHelper::request(const Json& dictionary, base::Seconds timeout) {
     const Child child = this->child();
     if (!child)
         return std::nullopt;
     dropStale(*child);
-    const int id = ++lastRequest_;
-    dictionary["id"] = id;
     const std::string line = dictionary.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
     const double deadline = machine_.drivers.clock.continuousSeconds() + timeout.count();
     std::string why;
     if (child->write(line, std::min(requestWriteLimit, timeout))) {
         do {
             for (std::string came; nextLine(came);) {
-                Json answer = Json::parse(came, nullptr, false);
-                if (!answer.is_object()) {
-                    setFault("an answer that cannot be read");
-                    return std::nullopt;
+                if (answersOwed_ > 0) { // to a request that was given up
+                    --answersOwed_;
+                    continue;
                 }
-                // one of another id answers a request that was given up
-                if (const auto its = answer.find("id"); its == answer.end() || *its == id)
+                Json answer = Json::parse(came, nullptr, false);
+                if (answer.is_object())
                     return answer;
+                setFault("an answer that cannot be read");
+                return std::nullopt;
             }
             if (outBuf_.size() > longestLine) {
                 outBuf_.clear();
+                ++answersOwed_; // its end is still to come
                 setFault("an answer that does not end");
                 return std::nullopt;
             }
         } while (readMore(*child, deadline));
+        ++answersOwed_;
         why = absl::StrFormat("no answer within %gs", timeout.count());
     } else {
         why = "it takes no requests";
     }
-    answerOwed_ = true;
     readMore(*child, machine_.drivers.clock.continuousSeconds() + 0.01); // its last words, if it has ended
     const std::string words = lastLineOf(errorTail_);
     setFault(!words.empty() ? words : why);

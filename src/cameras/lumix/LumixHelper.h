@@ -38,7 +38,7 @@ public:
 
     /// One request and its answer, an object. Nothing when none came within the time, or none that can be
     /// read. An answer that comes too late is dropped.
-    std::optional<Json> request(Json dictionary, base::Seconds timeout);
+    std::optional<Json> request(const Json& dictionary, base::Seconds timeout);
 
     /// Asks the process to let the body go, and sees to it that it ends. Any thread; does not wait.
     void stop();
@@ -63,8 +63,7 @@ private:
     std::shared_ptr<ports::WorkQueue> q_;
     std::string outBuf_;    // what came and is no whole line yet
     std::string errorTail_; // the last that it complained of
-    int lastRequest_ = 0;
-    bool answerOwed_ = false;
+    int answersOwed_ = 0;   // to requests that were given up; each request gets one, in order
 
     mutable std::mutex mutex_;
     Child proc_;
