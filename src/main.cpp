@@ -1,5 +1,6 @@
 #include "cameras/canon/MainThreadCalls.h"
 #include "cameras/gphoto2/GPhoto2Program.h"
+#include "cameras/usb/USBHolders.h"
 #include "cli/Switches.h"
 #include "platform/LinuxFolders.h"
 #include "platform/LinuxPorts.h"
@@ -55,6 +56,9 @@ int runWindow(int argc, char** argv) {
     // Work on the machine's queues may still use these when all else has gone.
     std::optional<cameras::CameraDaemons> daemons;
     std::optional<cameras::GPhoto2Program> gphoto2;
+    std::optional<cameras::MainThreadCalls> mainThread;
+    std::optional<cameras::DriverMachine> drivers;
+    std::optional<cameras::CanonEDSDK> canon;
     platform::LinuxPorts machine(settings, folders);
     daemons.emplace(machine.processes, machine.queues);
     std::function<void(const std::string&)> log = [](const std::string&) {};
@@ -69,30 +73,34 @@ int runWindow(int argc, char** argv) {
                                 .files = machine.files,
                                 .programFolder = QCoreApplication::applicationDirPath().toStdString(),
                                 .warn = [&log](const std::string& words) { log(words); }});
-    cameras::MainThreadCalls mainThread(machine.loop);
-    cameras::DriverMachine drivers{.queues = machine.queues, .loop = machine.loop, .clock = machine.clock};
-    cameras::CanonEDSDK canon(
-        {.driver = drivers,
-         .libraries = machine.libraries,
-         .bus = machine.usb,
-         .processes = machine.processes,
-         .daemons = *daemons,
-         .onMain = [&mainThread](const std::function<void()>& call) { return mainThread.run(call); }});
-    const cameras::LumixMachine lumix{.drivers = drivers,
+    mainThread.emplace(machine.loop);
+    drivers.emplace(
+        cameras::DriverMachine{.queues = machine.queues, .loop = machine.loop, .clock = machine.clock});
+    canon.emplace(cameras::CanonMachine{
+        .driver = *drivers,
+        .libraries = machine.libraries,
+        .bus = machine.usb,
+        .rivals = cameras::CameraRivals::of(*daemons, machine.usb, machine.processes,
+                                            cameras::USBHolders::canonVendorID),
+        .onMain = [&mainThread](const std::function<void()>& call) { return mainThread->run(call); }});
+    const cameras::LumixMachine lumix{.drivers = *drivers,
                                       .children = machine.children,
                                       .programFolder = QCoreApplication::applicationDirPath().toStdString()};
     // A maker's family is a line here; the order among them is that of a detection.
     const rig::CameraDetector::Families families{
-        std::make_shared<rig::CanonFamily>(canon, settings),
+        std::make_shared<rig::CanonFamily>(*canon, settings),
         std::make_shared<rig::LumixFamily>(lumix, machine.usb, *daemons),
-        std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{.driver = drivers,
-                                                                   .libraries = machine.libraries,
-                                                                   .daemons = *daemons,
-                                                                   .bus = machine.usb,
-                                                                   .processes = machine.processes}),
+        std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{
+            .driver = *drivers,
+            .libraries = machine.libraries,
+            .daemons = *daemons,
+            .rivals = cameras::CameraRivals::of(*daemons, machine.usb, machine.processes,
+                                                cameras::USBHolders::sonyVendorID)}),
         std::make_shared<rig::GPhoto2Family>(*gphoto2, machine.usb),
     };
     rig::RigModel rig(machine.all, ZENKA_VERSION, families);
+    // On every way out: from then on this thread waits for others, and nobody is to wait for it.
+    const std::shared_ptr<void> atTheEnd(nullptr, [&mainThread](void*) { mainThread->close(); });
     services::ModelStatsFetch statistics(machine.all, gphoto2->modelStats());
     statistics.primeModelStats();
     rig.time().checkClockSkew();
@@ -109,9 +117,9 @@ int runWindow(int argc, char** argv) {
         return 1;
     const int status = QGuiApplication::exec();
     machine.usb.watch({});
-    mainThread.close(); // nobody is to wait for this thread, which waits for others from here on
+    mainThread->close();
     rig.handleAppWillTerminate();
-    canon.releaseSDK();
+    canon->releaseSDK();
     log = [](const std::string&) {};
     return status;
 }

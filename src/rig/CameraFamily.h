@@ -15,7 +15,7 @@ namespace zenka::rig {
 /// A body on the bus, as a family or the universal driver sees it.
 struct FoundBody {
     std::string model;  ///< the name for the operator
-    std::string port;   ///< "usb:020,007", empty for a family that knows its bodies otherwise
+    std::string port;   ///< "usb:020,007", or a place in a list that only its family knows
     std::string serial; ///< by the USB bus or the family; empty where it is not known
     std::string hub;    ///< of the USB hub, empty where it is not known
     bool isSony = false;

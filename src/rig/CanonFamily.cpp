@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "rig/PlatformWords.h"
 #include "rig/SettingsKeys.h"
+#include "rig/UnclaimedSession.h"
 
 #include <algorithm>
 #include <utility>
@@ -29,20 +30,6 @@ const std::string linkEnded =
 
 constexpr base::Seconds settling{4.0};
 constexpr base::Seconds settlingStep{0.5};
-
-/// A session that nobody has taken over yet.
-struct Unclaimed {
-    cameras::CanonEDSDK& sdk;
-    std::int64_t handle;
-
-    Unclaimed(cameras::CanonEDSDK& owner, std::int64_t session) : sdk(owner), handle(session) {}
-    Unclaimed(const Unclaimed&) = delete;
-    Unclaimed& operator=(const Unclaimed&) = delete;
-    ~Unclaimed() {
-        if (handle != 0)
-            sdk.close(handle);
-    }
-};
 
 } // namespace
 
@@ -129,10 +116,12 @@ CameraFamily::MakeDriver CanonFamily::driverOf(const cameras::CanonEDSDK::Sessio
     const int number = ++made_;
     const std::string id =
         "canon-" + (serial.empty() ? std::to_string(number) : serial + "-" + std::to_string(number));
-    return [this, id, model, serial, held = std::make_shared<Unclaimed>(sdk_, session.handle)] {
+    return [this, id, model, serial,
+            held = std::make_shared<UnclaimedSession>(
+                session.handle, [&sdk = sdk_](std::int64_t handle) { sdk.close(handle); })] {
         auto camera = std::make_shared<cameras::CanonEDSDKCamera>(
             sdk_, cameras::CanonEDSDKCamera::Body{
-                      .id = id, .model = model, .serial = serial, .handle = std::exchange(held->handle, 0)});
+                      .id = id, .model = model, .serial = serial, .handle = held->claim()});
         drivers_.push_back(camera);
         return camera;
     };

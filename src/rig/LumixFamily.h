@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cameras/gphoto2/CameraDaemons.h"
 #include "cameras/lumix/LumixPTPCamera.h"
+#include "cameras/usb/CameraDaemons.h"
 #include "ports/UsbBus.h"
 #include "rig/CameraFamily.h"
 

@@ -2,7 +2,7 @@
 
 #include "cameras/sony/sony_bridge.h"
 #include "cameras/usb/SonyNames.h"
-#include "cameras/usb/USBHolders.h"
+#include "rig/UnclaimedSession.h"
 
 #include <absl/strings/str_format.h>
 
@@ -33,35 +33,9 @@ constexpr char stuck[] =
     "replug the Sony USB "
     "cables, or power-cycle the bodies; this state cannot be cleared in software.";
 
-/// A session that no driver has taken over yet. Closing waits, so it is done in the background.
-class UnclaimedSession {
-public:
-    UnclaimedSession(ports::WorkQueues& queues, std::int64_t handle) : queues_(queues), handle_(handle) {}
-    UnclaimedSession(const UnclaimedSession&) = delete;
-    UnclaimedSession& operator=(const UnclaimedSession&) = delete;
-    ~UnclaimedSession() {
-        if (handle_ != 0)
-            queues_.background([handle = handle_] { cameras::zenka_sony_disconnect(handle); });
-    }
-
-    std::int64_t claim() { return std::exchange(handle_, 0); }
-
-private:
-    ports::WorkQueues& queues_;
-    std::int64_t handle_;
-};
-
 } // namespace
 
-SonyFamily::SonyFamily(Machine machine)
-    : machine_(std::move(machine)), rivals_{.procs =
-                                                [&daemons = machine_.daemons] {
-                                                    return daemons.cameraGrabbingProcesses();
-                                                },
-                                            .holders =
-                                                [&bus = machine_.bus, &processes = machine_.processes] {
-                                                    return cameras::USBHolders::sonyHolders(bus, processes);
-                                                }} {
+SonyFamily::SonyFamily(Machine machine) : machine_(std::move(machine)) {
     cameras::zenka_sony_set_up(&machine_.libraries, machine_.waits);
 }
 
@@ -141,12 +115,35 @@ CameraFamily::MakeDriver SonyFamily::driverOf(std::int64_t handle, const std::st
          absl::StrFormat("%d>%d", zenka_sony_exposure_program_before(), zenka_sony_exposure_program_after())},
         {"hs", body.handshakeOK ? "1" : "0"},
         {"shutters", absl::StrFormat("%d", body.choices.shutter.size())}};
-    const auto session = std::make_shared<UnclaimedSession>(machine_.driver.queues, handle);
-    return [driver = machine_.driver, rivals = rivals_, body, fields, session]() mutable -> Camera {
-        driver.report("sony_connected", fields);
+    // Closing waits.
+    const auto session = std::make_shared<UnclaimedSession>(
+        handle, [&queues = machine_.driver.queues](std::int64_t unclaimed) {
+            queues.background([unclaimed] { zenka_sony_disconnect(unclaimed); });
+        });
+    return [this, body, fields, session]() mutable -> Camera {
+        machine_.driver.report("sony_connected", fields);
         body.handle = session->claim();
-        return std::make_shared<SonyCRSDKCamera>(driver, rivals, body);
+        auto camera = std::make_shared<SonyCRSDKCamera>(machine_.driver, machine_.rivals, body);
+        const std::lock_guard lock(mutex_);
+        links_[body.id] = camera->link();
+        return camera;
     };
+}
+
+std::vector<std::string> SonyFamily::goneFromBus(const std::vector<HeldBody>& held) {
+    using namespace cameras;
+    std::vector<std::string> gone;
+    const std::lock_guard lock(mutex_);
+    std::erase_if(links_, [](const auto& link) { return link.second.expired(); });
+    for (const HeldBody& body : held) {
+        const auto known = links_.find(body.id);
+        const auto link = known == links_.end() ? nullptr : known->second.lock();
+        // One that has no session just now is being mended by its driver.
+        const std::int64_t handle = link ? link->handle() : 0;
+        if (handle != 0 && zenka_sony_is_connected(handle) == 0 && zenka_sony_reconnecting(handle) == 0)
+            gone.push_back(body.id);
+    }
+    return gone;
 }
 
 std::string SonyFamily::explainFallback() const {
@@ -154,10 +151,8 @@ std::string SonyFamily::explainFallback() const {
 }
 
 void SonyFamily::release(const Camera& camera) {
-    if (const auto sony = std::dynamic_pointer_cast<cameras::SonyCRSDKCamera>(camera))
-        sony->letGo();
-    else
-        camera->disconnect();
+    camera->disconnect();
+    camera->suspend();
 }
 
 std::vector<CameraFamily::Rebound> SonyFamily::rebind(const std::vector<DownBody>& down, const Tell&) {

@@ -1,19 +1,18 @@
 #pragma once
 
 #include "cameras/DriverMachine.h"
-#include "cameras/gphoto2/CameraDaemons.h"
 #include "cameras/sony/SonyCRSDK.h"
 #include "cameras/sony/SonyCRSDKCamera.h"
 #include "cameras/sony/SonyWaits.h"
-#include "ports/ProcessTable.h"
+#include "cameras/usb/CameraDaemons.h"
+#include "cameras/usb/CameraRivals.h"
 #include "ports/SharedLibraries.h"
-#include "ports/UsbBus.h"
 #include "rig/CameraFamily.h"
 
 #include <atomic>
+#include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,8 +27,7 @@ public:
         cameras::DriverMachine driver;
         ports::SharedLibraries& libraries;
         cameras::CameraDaemons& daemons;
-        ports::UsbBus& bus;
-        ports::ProcessTable& processes;
+        cameras::CameraRivals rivals;
         std::shared_ptr<const cameras::SonyWaits> waits = std::make_shared<const cameras::SonyWaits>();
     };
     explicit SonyFamily(Machine machine);
@@ -45,12 +43,14 @@ public:
     std::string explainFallback() const override;
     void release(const Camera& camera) override;
     std::vector<Rebound> rebind(const std::vector<DownBody>& down, const Tell& tell) override;
+    /// Those whose link has ended and is not being taken up again.
+    std::vector<std::string> goneFromBus(const std::vector<HeldBody>& held) override;
     std::string stuckAdvice() const override;
+    void holdServicesOff() override { machine_.daemons.startDaemonSuppressor(); }
+    void letServicesOn() override { machine_.daemons.stopDaemonSuppressor(); }
 
     /// What the last look at the bus came to, in the SDK's own words, for reports. Any thread.
     std::string lastSonyDiag() const;
-    void holdServicesOff() override { machine_.daemons.startDaemonSuppressor(); }
-    void letServicesOn() override { machine_.daemons.stopDaemonSuppressor(); }
 
 private:
     using Found = cameras::SonyCRSDK::Found;
@@ -60,11 +60,11 @@ private:
     MakeDriver driverOf(std::int64_t handle, const std::string& model, const std::string& serial);
 
     const Machine machine_;
-    const cameras::SonyRivals rivals_;
     std::vector<std::pair<FoundBody, Found>> matched_; ///< by the enumeration of this pass
     std::string sonyFallbackReason_;
     mutable std::mutex mutex_;
     std::string lastSonyDiag_;
+    std::map<std::string, std::weak_ptr<const cameras::SonyLink>> links_; ///< of its drivers, by id
     std::atomic<int> made_ = 0;
 };
 

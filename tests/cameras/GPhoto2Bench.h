@@ -2,6 +2,7 @@
 
 #include "cameras/gphoto2/GPhoto2Camera.h"
 #include "platform/virtual/VirtualPorts.h"
+#include "support/Drivers.h"
 #include "support/MemoryFiles.h"
 #include "support/ScriptedChildren.h"
 
@@ -65,19 +66,8 @@ struct GPhoto2Bench {
             run(0);
     }
 
-    /// One shot, until it completes.
     cameras::CaptureOutcome shoot(cameras::GPhoto2Camera& camera, const cameras::Shot& shot = {}) {
-        int completions = 0;
-        cameras::CaptureOutcome last;
-        camera.capture(shot, [&](const cameras::CaptureOutcome& outcome) {
-            EXPECT_TRUE(ports.loop.onMainThread());
-            last = outcome;
-            ++completions;
-        });
-        EXPECT_EQ(completions, 0) << "completed before capture came back";
-        settle();
-        EXPECT_EQ(completions, 1);
-        return last;
+        return shotOn(ports, camera, shot);
     }
 
     /// The commands since the last call, set-up and "exit" left out.

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "rig/SettingsKeys.h"
+#include "support/Drivers.h"
 #include "support/ScriptedFamily.h"
 #include "support/ScriptedUsb.h"
 #include "support/VirtualRig.h"
@@ -34,24 +35,14 @@ struct CanonFamilyTest : testing::Test {
 
     rig::CameraDetector::Families familiesOn(platform::VirtualPorts& machine) {
         daemons.emplace(processes, machine.queues);
-        driver.emplace(
-            cameras::DriverMachine{.queues = machine.queues, .loop = machine.loop, .clock = machine.time});
-        driver->pause = [&machine](Seconds span) { machine.time.sleepFor(span); };
+        driver.emplace(test::driversOn(machine));
         driver->report = [this](const std::string& event, const cameras::DriverMachine::Fields& fields) {
             events.push_back(event);
             for (const auto& [key, value] : fields)
                 if (key != "diag")
                     events.back().append(" ").append(key).append("=").append(value);
         };
-        sdk.emplace(cameras::CanonMachine{.driver = *driver,
-                                          .libraries = library,
-                                          .bus = bus,
-                                          .processes = processes,
-                                          .daemons = *daemons,
-                                          .onMain = [](const std::function<void()>& call) {
-                                              call();
-                                              return true;
-                                          }});
+        sdk.emplace(test::canonOn(*driver, library, bus, processes, *daemons));
         canon = std::make_shared<rig::CanonFamily>(*sdk, machine.settings);
         universal->plugIn("6001", "Nikon Z 8");
         return {canon, universal};

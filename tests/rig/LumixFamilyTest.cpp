@@ -1,6 +1,8 @@
 #include "rig/LumixFamily.h"
 
 #include "cameras/usb/USBCameraNames.h"
+#include "support/Drivers.h"
+#include "support/ScriptedFamily.h"
 #include "support/ScriptedHelpers.h"
 #include "support/ScriptedUsb.h"
 #include "support/TempFolder.h"
@@ -13,33 +15,9 @@
 using namespace zenka;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using HelperSaid = test::ScriptedHelpers::Answer;
 
 namespace {
-
-/// Stands for the universal driver: it lists what is plugged in, and takes what is left.
-struct Lister final : rig::CameraFamily {
-    explicit Lister(test::ScriptedUsbBus& usb) : bus(usb) {}
-    test::ScriptedUsbBus& bus;
-    std::vector<std::string> taken;
-
-    std::string backend() const override { return "gphoto2"; }
-    Turn turn() const override { return Turn::universal; }
-    std::vector<rig::FoundBody> enumerate(const std::vector<rig::FoundBody>&, const Tell&) override {
-        std::vector<rig::FoundBody> bodies;
-        for (const auto& device : *bus.plugged)
-            bodies.push_back({.model = device.product,
-                              .port = cameras::USBCameraNames::gphotoPort(device),
-                              .serial = device.serial.value_or("")});
-        return bodies;
-    }
-    MakeDriver connect(const rig::FoundBody& body, const Tell&) override {
-        taken.push_back(body.model);
-        return {};
-    }
-    std::vector<Rebound> rebind(const std::vector<rig::DownBody>&, const Tell&) override { return {}; }
-};
 
 struct LumixFamilyTest : testing::Test {
     test::ScriptedUsbBus bus;
@@ -47,17 +25,16 @@ struct LumixFamilyTest : testing::Test {
     test::TempFolder root;
     std::optional<test::ScriptedHelpers> helpers;
     std::optional<cameras::CameraDaemons> daemons;
-    std::shared_ptr<Lister> lister = std::make_shared<Lister>(bus);
+    std::shared_ptr<test::ScriptedFamily> universal = std::make_shared<test::ScriptedFamily>();
     bool silent = false;
     test::VirtualRig rig{[this](platform::VirtualPorts& machine) -> rig::CameraDetector::Families {
         helpers.emplace(machine.time);
         daemons.emplace(processes, machine.queues);
-        const cameras::LumixMachine here{
-            .drivers = {.queues = machine.queues, .loop = machine.loop, .clock = machine.time},
-            .children = *helpers,
-            .programFolder = root.path(),
-            .environment = [](const std::string&) { return std::nullopt; }};
-        return {std::make_shared<rig::LumixFamily>(here, bus, *daemons), lister};
+        const cameras::LumixMachine here{.drivers = test::driversOn(machine),
+                                         .children = *helpers,
+                                         .programFolder = root.path(),
+                                         .environment = [](const std::string&) { return std::nullopt; }};
+        return {std::make_shared<rig::LumixFamily>(here, bus, *daemons), universal};
     }};
 
     void SetUp() override {
@@ -70,6 +47,7 @@ struct LumixFamilyTest : testing::Test {
     void plugIn(const std::string& model, const std::string& serial, int address) {
         bus.plugged->push_back(
             {.product = model, .serial = serial, .vid = 0x04da, .busNumber = 3, .address = address});
+        universal->plugIn(serial, model, cameras::USBCameraNames::gphotoPort(bus.plugged->back()));
     }
     void detect() {
         rig.model.detector().detectCameras();
@@ -85,8 +63,9 @@ TEST_F(LumixFamilyTest, bodiesThatReadLumixAreHeldAndFireAndTheRestIsLeft) {
     plugIn("Panasonic LUMIX DC-G9M2", "S1", 7);
     plugIn("Nikon DSC Z 8", "N1", 8);
     detect();
-    ASSERT_EQ(rig.model.roster().cameras().size(), 1U);
-    EXPECT_THAT(lister->taken, ElementsAre("Nikon DSC Z 8"));
+    ASSERT_EQ(rig.model.roster().cameras().size(), 2U);
+    EXPECT_EQ(body(1)->backend(), "gphoto2");
+    EXPECT_THAT(universal->calls, ElementsAre("enumerate", "connect N1"));
     EXPECT_THAT(helpers->starts.at(0).arguments, ElementsAre("--bus", "3", "--address", "7"));
     EXPECT_EQ(body()->backend(), "LumixPTP");
     EXPECT_EQ(body()->port(), "usb:003,007");
@@ -106,7 +85,7 @@ TEST_F(LumixFamilyTest, aBodyThatDoesNotGetThroughIsLeftToTheUniversalDriverWith
     plugIn("Panasonic LUMIX DC-GH5", "S1", 7);
     silent = true;
     detect();
-    EXPECT_THAT(lister->taken, ElementsAre("Panasonic LUMIX DC-GH5"));
+    EXPECT_EQ(body()->backend(), "gphoto2");
     EXPECT_TRUE(rig.logged("LUMIX detect — Panasonic LUMIX DC-GH5 on USB wouldn't connect (stuck)."));
     EXPECT_TRUE(rig.logged("(or restart the computer)"));
     EXPECT_EQ(helpers->living, 0) << "which would find it held";
@@ -119,7 +98,7 @@ TEST_F(LumixFamilyTest, aBodyThatDoesNotGetThroughIsLeftToTheUniversalDriverWith
     std::filesystem::remove(root.path() / "zenka-lumix-helper");
     detect();
     EXPECT_TRUE(rig.logged("zenka-lumix-helper, is not installed"));
-    EXPECT_THAT(rig.model.roster().cameras(), IsEmpty());
+    EXPECT_EQ(body()->backend(), "gphoto2");
 }
 
 TEST_F(LumixFamilyTest, aBodyOutsideOfPcModeIsHeldWithAWarning) {

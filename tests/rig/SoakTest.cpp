@@ -1,9 +1,11 @@
+#include "analysis/CsvRows.h"
 #include "cameras/gphoto2/GPhoto2Program.h"
 #include "cameras/usb/USBHolders.h"
 #include "rig/CanonFamily.h"
 #include "rig/GPhoto2Family.h"
 #include "rig/LumixFamily.h"
 #include "rig/SonyFamily.h"
+#include "support/Drivers.h"
 #include "support/FakeCrSDK.h"
 #include "support/ScriptedChildren.h"
 #include "support/ScriptedHelpers.h"
@@ -20,7 +22,6 @@
 #include <random>
 
 using namespace zenka;
-using base::Seconds;
 
 namespace {
 
@@ -71,13 +72,10 @@ struct Soak : testing::Test {
     }
 
     rig::CameraDetector::Families familiesOn(platform::VirtualPorts& machine) {
-        const auto pause = [&machine](Seconds span) { machine.time.sleepFor(span); };
         children.emplace(machine.time);
         helpers.emplace(machine.time);
         daemons.emplace(processes, machine.queues);
-        driver.emplace(
-            cameras::DriverMachine{.queues = machine.queues, .loop = machine.loop, .clock = machine.time});
-        driver->pause = pause;
+        driver.emplace(test::driversOn(machine));
         cameras::GPhoto2Machine here{.children = *children,
                                      .daemons = *daemons,
                                      .queues = machine.queues,
@@ -86,33 +84,22 @@ struct Soak : testing::Test {
                                      .settings = machine.settings,
                                      .folders = machine.all.folders,
                                      .files = machine.all.files};
-        here.pause = pause;
+        here.pause = driver->pause;
         program.emplace(here);
-        sdk.emplace(cameras::CanonMachine{.driver = *driver,
-                                          .libraries = edsdk,
-                                          .bus = bus,
-                                          .processes = processes,
-                                          .daemons = *daemons,
-                                          .onMain = [](const std::function<void()>& call) {
-                                              call();
-                                              return true;
-                                          }});
+        sdk.emplace(test::canonOn(*driver, edsdk, bus, processes, *daemons));
         std::ofstream(programs.path() / "zenka-lumix-helper") << "\n";
         script();
         canon = std::make_shared<rig::CanonFamily>(*sdk, machine.settings);
         const auto waits = std::make_shared<test::VirtualSonyWaits>(machine.time);
-        return {canon,
-                std::make_shared<rig::LumixFamily>(cameras::LumixMachine{.drivers = *driver,
-                                                                         .children = *helpers,
-                                                                         .programFolder = programs.path()},
-                                                   bus, *daemons),
-                std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{.driver = *driver,
-                                                                           .libraries = crsdk,
-                                                                           .daemons = *daemons,
-                                                                           .bus = bus,
-                                                                           .processes = processes,
-                                                                           .waits = waits}),
-                std::make_shared<rig::GPhoto2Family>(*program, bus)};
+        return {
+            canon,
+            std::make_shared<rig::LumixFamily>(cameras::LumixMachine{.drivers = *driver,
+                                                                     .children = *helpers,
+                                                                     .programFolder = programs.path()},
+                                               bus, *daemons),
+            std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{
+                .driver = *driver, .libraries = crsdk, .daemons = *daemons, .rivals = {}, .waits = waits}),
+            std::make_shared<rig::GPhoto2Family>(*program, bus)};
     }
 
     /// What each body does, and how it fails.
@@ -241,25 +228,6 @@ struct Soak : testing::Test {
     }
 };
 
-/// The rows of a CSV, of which a note in quotes may hold commas and line ends.
-std::vector<std::vector<std::string>> rowsOf(const std::string& csv) {
-    std::vector<std::vector<std::string>> rows{{""}};
-    bool quoted = false;
-    for (const char letter : csv) {
-        quoted = quoted != (letter == '"');
-        if (letter == '\n' && !quoted)
-            rows.emplace_back(1);
-        else if (letter == ',' && !quoted)
-            rows.back().emplace_back();
-        else
-            rows.back().back() += letter;
-    }
-    std::erase_if(rows, [](const auto& row) {
-        return row[0].empty() || row[0].starts_with('#') || row[0] == "scheduled_local";
-    });
-    return rows;
-}
-
 } // namespace
 
 // Six bodies of all makers, ten thousand frames, and everything goes wrong now and then: each frame has its
@@ -284,15 +252,17 @@ TEST_F(Soak, tenThousandFramesOnSixFailingBodiesAreEachAccountedForOnce) {
     faults = false;
     rig->run(60);
 
-    const auto rows = rowsOf(rig->files.only(".csv"));
+    const std::string csv = rig->files.only(".csv");
+    analysis::CsvRows rows(csv);
+    const auto column = [&rows](const char* name) { return rows.column(name).value(); };
     std::map<std::string, int> results;
     std::set<std::string> scheduled;
-    for (const auto& row : rows) {
-        ASSERT_GT(row.size(), 13U) << row[0];
-        ++results[row[13]];
-        EXPECT_TRUE(scheduled.insert(row[2] + row[4]).second) << "twice: " << row[2] << " " << row[4];
+    while (const auto* row = rows.next()) {
+        ++results[row->at(column("result"))];
+        const std::string frame = row->at(column("offset_sec")) + " " + row->at(column("camera_token"));
+        EXPECT_TRUE(scheduled.insert(frame).second) << "twice: " << frame;
     }
-    EXPECT_EQ(rows.size(), static_cast<std::size_t>(frames));
+    EXPECT_EQ(scheduled.size(), static_cast<std::size_t>(frames));
     for (const auto& [result, count] : results)
         std::cout << result << ": " << count << "\n";
     EXPECT_GT(results["ok"], frames / 2) << "bodies come back and go on firing";

@@ -1,6 +1,7 @@
 #include "rig/SonyFamily.h"
 
 #include "cameras/sony/sony_bridge.h"
+#include "support/Drivers.h"
 #include "support/FakeCrSDK.h"
 #include "support/ScriptedFamily.h"
 #include "support/ScriptedUsb.h"
@@ -30,7 +31,6 @@ constexpr char stuck[] =
 struct SonyFamilyTest : testing::Test {
     test::FakeCrSDK sdk;
     test::ScriptedProcessTable processes;
-    test::ScriptedUsbBus bus;
     std::shared_ptr<test::VirtualSonyWaits> waits;
     std::optional<cameras::CameraDaemons> daemons;
     std::vector<std::pair<std::string, cameras::DriverMachine::Fields>> reports;
@@ -42,19 +42,12 @@ struct SonyFamilyTest : testing::Test {
     rig::CameraDetector::Families familiesOn(platform::VirtualPorts& machine) {
         waits = std::make_shared<test::VirtualSonyWaits>(machine.time);
         daemons.emplace(processes, machine.queues);
-        const cameras::DriverMachine driver{
-            .queues = machine.queues,
-            .loop = machine.loop,
-            .clock = machine.time,
-            .report = [this](const std::string& event,
-                             const auto& fields) { reports.emplace_back(event, fields); },
-            .pause = [&machine](base::Seconds span) { machine.time.sleepFor(span); }};
-        family = std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{.driver = driver,
-                                                                            .libraries = sdk,
-                                                                            .daemons = *daemons,
-                                                                            .bus = bus,
-                                                                            .processes = processes,
-                                                                            .waits = waits});
+        cameras::DriverMachine driver = test::driversOn(machine);
+        driver.report = [this](const std::string& event, const auto& fields) {
+            reports.emplace_back(event, fields);
+        };
+        family = std::make_shared<rig::SonyFamily>(rig::SonyFamily::Machine{
+            .driver = driver, .libraries = sdk, .daemons = *daemons, .rivals = {}, .waits = waits});
         return {family, universal};
     }
     ~SonyFamilyTest() override {
@@ -182,4 +175,23 @@ TEST_F(SonyFamilyTest, aStuckSdkIsToldOfAndNotAskedAgain) {
     ASSERT_GE(rig.lines.size(), 2U);
     EXPECT_NE(rig.lines[0].find(stuck), std::string::npos);
     EXPECT_NE(rig.lines[1].find("Detecting cameras"), std::string::npos);
+}
+
+TEST_F(SonyFamilyTest, anIdleBodyWhoseLinkHasEndedIsMissedButNotOneThatTheSdkIsMending) {
+    plugIn("Sony Alpha-A7 IV", "USB1");
+    sdk.bodies = {{.model = "ILCE-7M4", .id = {0xAB}}};
+    ASSERT_EQ(detect().size(), 1U);
+    const auto look = [this] {
+        rig.model.heldSessions().lookForGone();
+        rig.run(1);
+        return rig.logged("no longer on the USB bus");
+    };
+    EXPECT_FALSE(look());
+    sdk.warn(0, 0x20002);
+    EXPECT_FALSE(look());
+    sdk.tell(0, [](const cameras::CrSDKEvents& events) { events.disconnected(events.context, 0); });
+    EXPECT_TRUE(look());
+    rig.run(10);
+    EXPECT_TRUE(rig.logged("✅ RECONNECTED"));
+    EXPECT_EQ(sdk.openSessions(), 1U);
 }

@@ -1,17 +1,14 @@
 #include "cameras/canon/CanonEDSDKCamera.h"
 
-#include "base/Text.h"
 #include "cameras/CameraProfiles.h"
 #include "cameras/canon/CanonErrors.h"
 #include "cameras/canon/Edsdk.h"
 #include "cameras/canon/canon_bridge.h"
-#include "cameras/usb/USBHolders.h"
 
 #include <absl/strings/str_format.h>
 
 #include <optional>
 #include <utility>
-#include <vector>
 
 namespace zenka::cameras {
 
@@ -19,12 +16,6 @@ namespace {
 
 constexpr int mostReopens = 3;
 constexpr std::size_t mostReportedCodes = 5;
-
-std::string listed(const std::optional<std::vector<std::string>>& names) {
-    if (!names)
-        return "scan-failed";
-    return names->empty() ? "none" : base::joined(*names, ",");
-}
 
 } // namespace
 
@@ -149,12 +140,9 @@ void CanonEDSDKCamera::reportFireError(std::uint32_t code) {
                                  {"shots", std::to_string(shotCount_)},
                                  {"diag", sdk_.diag()}};
     // The processes are looked through where nobody waits for it.
-    const CanonMachine& machine = sdk_.machine();
-    machine.driver.queues.background([&driver = machine.driver, &bus = machine.bus,
-                                      &processes = machine.processes, &daemons = machine.daemons,
-                                      fields = std::move(fields)]() mutable {
-        fields["holders"] = listed(USBHolders::holders(bus, processes, USBHolders::canonVendorID));
-        fields["procs"] = listed(daemons.cameraGrabbingProcesses());
+    DriverMachine& driver = sdk_.machine().driver;
+    driver.queues.background([&driver, rivals = sdk_.machine().rivals, fields = std::move(fields)]() mutable {
+        rivals.tell(fields);
         driver.loop.post([&driver, fields = std::move(fields)] { driver.report("error", fields); });
     });
 }

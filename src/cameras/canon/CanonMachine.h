@@ -1,8 +1,7 @@
 #pragma once
 
 #include "cameras/DriverMachine.h"
-#include "cameras/gphoto2/CameraDaemons.h"
-#include "ports/ProcessTable.h"
+#include "cameras/usb/CameraRivals.h"
 #include "ports/SharedLibraries.h"
 #include "ports/UsbBus.h"
 
@@ -15,8 +14,7 @@ struct CanonMachine {
     DriverMachine& driver;
     ports::SharedLibraries& libraries;
     ports::UsbBus& bus;
-    ports::ProcessTable& processes;
-    CameraDaemons& daemons;
+    CameraRivals rivals;
 
     /// Runs a function on the main thread and waits for its end; false when it was not run, as the program
     /// ends. From the main thread it runs at once.

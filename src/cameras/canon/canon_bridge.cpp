@@ -155,6 +155,23 @@ std::int32_t fail(const absl::FormatSpec<Values...>& format, const Values&... va
     return 0;
 }
 
+/// Opens a session with the body of a slot; null, and why behind a prefix, where that fails.
+Ref openSlot(std::int32_t slot, const char* prefix) {
+    const Bridge& own = bridge();
+    Ref camera = nullptr;
+    if (const Error error = own.sdk.EdsGetChildAtIndex(own.list, slot, &camera);
+        error != edsdk::ok || !camera) {
+        fail("%sGetChildAtIndex err=0x%x", prefix, error);
+        return nullptr;
+    }
+    if (const Error error = own.sdk.EdsOpenSession(camera); error != edsdk::ok) {
+        own.sdk.EdsRelease(camera);
+        fail("%sOpenSession err=0x%x", prefix, error);
+        return nullptr;
+    }
+    return camera;
+}
+
 bool send(Ref camera, std::uint32_t property, std::optional<std::uint32_t>& confirmed, std::uint32_t code) {
     if (confirmed == code)
         return true;
@@ -255,14 +272,9 @@ std::int64_t zenka_canon_connect(std::int32_t slot) {
         return 0;
     if (!own.init)
         return fail(notInitialized);
-    Ref camera = nullptr;
-    if (const Error error = own.sdk.EdsGetChildAtIndex(own.list, slot, &camera);
-        error != edsdk::ok || !camera)
-        return fail("GetChildAtIndex err=0x%x", error);
-    if (const Error error = own.sdk.EdsOpenSession(camera); error != edsdk::ok) {
-        own.sdk.EdsRelease(camera);
-        return fail("OpenSession err=0x%x", error);
-    }
+    const Ref camera = openSlot(slot, "");
+    if (!camera)
+        return 0;
     const Error saved = begin(camera, slot);
     own.diag = saved == edsdk::ok
                    ? "connected (session open, save-to-card set)"
@@ -294,14 +306,9 @@ std::int64_t zenka_canon_reopen(std::int64_t handle) {
     own.sdk.EdsGetChildCount(own.list, &count);
     if (count <= static_cast<std::uint32_t>(slot))
         return fail("reopen: camera gone (slot %d of %d)", slot, count);
-    Ref camera = nullptr;
-    if (const Error error = own.sdk.EdsGetChildAtIndex(own.list, slot, &camera);
-        error != edsdk::ok || !camera)
-        return fail("reopen: GetChildAtIndex err=0x%x", error);
-    if (const Error error = own.sdk.EdsOpenSession(camera); error != edsdk::ok) {
-        own.sdk.EdsRelease(camera);
-        return fail("reopen: OpenSession err=0x%x", error);
-    }
+    const Ref camera = openSlot(slot, "reopen: ");
+    if (!camera)
+        return 0;
     begin(camera, slot);
     own.diag = absl::StrFormat("reopen: session rebuilt on slot %d", slot);
     return handleOf(camera);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Instant.h"
-#include "cameras/gphoto2/CameraDaemons.h"
+#include "cameras/usb/CameraDaemons.h"
 #include "ports/ChildProcess.h"
 #include "ports/Clock.h"
 #include "ports/Files.h"

@@ -40,12 +40,6 @@ constexpr std::array<std::pair<std::uint32_t, std::string_view>, 15> errorNames{
      {33794, "Api_InvalidCalled"},
      {34048, "Init_Unknown"}}};
 
-std::string listed(const SonyRivals::Names& names) {
-    if (!names)
-        return "scan-failed";
-    return names->empty() ? "none" : base::joined(*names, ",");
-}
-
 std::string fourHexDigits(std::uint32_t code) {
     return absl::StrFormat("0x%04x", code);
 }
@@ -76,7 +70,7 @@ struct SonyCRSDKCamera::Fired {
     std::uint32_t error = 0;
 };
 
-SonyCRSDKCamera::SonyCRSDKCamera(const DriverMachine& machine, const SonyRivals& rivals, Body body)
+SonyCRSDKCamera::SonyCRSDKCamera(const DriverMachine& machine, const CameraRivals& rivals, Body body)
     : machine_(machine), rivals_(rivals), body_(std::move(body)),
       link_(std::make_shared<SonyLink>(body_.handle)), fireQueue_(machine_.queues.serial("crsdk.fire")),
       linkQueue_(machine_.queues.serial("crsdk.link")) {
@@ -199,8 +193,7 @@ void SonyCRSDKCamera::readFirmwareAndReport(std::uint32_t code) {
         if (report) {
             const std::string state = SonyCRSDK::stateDump(handle);
             fields["state"] = state.empty() ? "unreadable" : state;
-            fields["procs"] = listed(rivals.procs());
-            fields["holders"] = listed(rivals.holders());
+            rivals.tell(fields);
         }
         loop.post([report, fields = std::move(fields), tell = std::move(tell), keep = std::move(keep)] {
             keep(fields.at("fw"));
@@ -276,13 +269,9 @@ void SonyCRSDKCamera::resume() {
     startReopen();
 }
 
-void SonyCRSDKCamera::letGo() {
+void SonyCRSDKCamera::shutDown(base::Seconds limit) {
     connected_ = false;
     suspend();
-}
-
-void SonyCRSDKCamera::shutDown(base::Seconds limit) {
-    letGo();
     linkQueue_->drain(limit);
 }
 

@@ -4,6 +4,7 @@
 #include "cameras/CameraControl.h"
 #include "cameras/DriverMachine.h"
 #include "cameras/sony/SonyLink.h"
+#include "cameras/usb/CameraRivals.h"
 
 #include <atomic>
 #include <cstdint>
@@ -15,15 +16,6 @@
 #include <vector>
 
 namespace zenka::cameras {
-
-/// Who else may have their hands on Sony bodies, for reports. Both wait; nothing when a scan failed.
-struct SonyRivals {
-    using Names = std::optional<std::vector<std::string>>;
-    /// Programs that run and are known to grab cameras.
-    std::function<Names()> procs = [] { return Names(std::in_place); };
-    /// Programs that have a Sony device open.
-    std::function<Names()> holders = [] { return Names(std::in_place); };
-};
 
 /// A body held through Sony's Camera Remote SDK. It mends its own link: a fire that failed is followed by a
 /// new session, or by waiting for the SDK to mend the old one, and meanwhile shots are refused at once.
@@ -42,7 +34,7 @@ public:
         std::string firmwareVersion;
         ExposureChoices choices;
     };
-    SonyCRSDKCamera(const DriverMachine& machine, const SonyRivals& rivals, Body body);
+    SonyCRSDKCamera(const DriverMachine& machine, const CameraRivals& rivals, Body body);
     ~SonyCRSDKCamera() override;
     SonyCRSDKCamera(const SonyCRSDKCamera&) = delete;
     SonyCRSDKCamera& operator=(const SonyCRSDKCamera&) = delete;
@@ -58,6 +50,8 @@ public:
     bool busy() const override { return busy_; }
     std::optional<bool> handshakeOK() const override { return body_.handshakeOK; }
     const std::string& firmwareVersion() const { return body_.firmwareVersion; }
+    /// The session that it holds. It may be looked at on any thread.
+    std::shared_ptr<const SonyLink> link() const { return link_; }
 
     void capture(const Shot& shot, CaptureDone done) override;
     void forceFullExposureNextFrame() override { *forceFullExposure_ = true; }
@@ -73,8 +67,6 @@ public:
     void suspend() override;
     /// Begins another.
     void resume() override;
-    /// Closes the session for good, without waiting, so that another driver may hold the body.
-    void letGo();
     void shutDown(base::Seconds limit) override;
 
     /// An error code of the SDK in words.
@@ -99,7 +91,7 @@ private:
     void close(std::int64_t handle);
 
     const DriverMachine machine_;
-    const SonyRivals rivals_;
+    const CameraRivals rivals_;
     Body body_;
     const std::shared_ptr<SonyLink> link_;
     const std::shared_ptr<std::atomic<bool>> forceFullExposure_ = std::make_shared<std::atomic<bool>>(false);

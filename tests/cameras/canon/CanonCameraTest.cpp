@@ -1,6 +1,7 @@
 #include "cameras/canon/CanonEDSDKCamera.h"
 #include "cameras/canon/MainThreadCalls.h"
 #include "platform/virtual/VirtualPorts.h"
+#include "support/Drivers.h"
 #include "support/MemoryFiles.h"
 #include "support/ScriptedUsb.h"
 #include "support/fake_edsdk/EdsdkLibrary.h"
@@ -25,18 +26,10 @@ struct CanonCamera : testing::Test {
     test::ScriptedUsbBus bus;
     test::ScriptedProcessTable processes;
     CameraDaemons daemons{processes, ports.queues};
-    DriverMachine driver{.queues = ports.queues, .loop = ports.loop, .clock = ports.time};
+    DriverMachine driver = test::driversOn(ports);
     test::EdsdkLibrary library;
     test::FakeEdsdk& fake = library.fake();
-    CanonEDSDK sdk{{.driver = driver,
-                    .libraries = library,
-                    .bus = bus,
-                    .processes = processes,
-                    .daemons = daemons,
-                    .onMain = [](const std::function<void()>& call) {
-                        call();
-                        return true;
-                    }}};
+    CanonEDSDK sdk{test::canonOn(driver, library, bus, processes, daemons)};
     std::vector<DriverMachine::Fields> reports;
     std::vector<CaptureOutcome> outcomes;
 
@@ -46,7 +39,6 @@ struct CanonCamera : testing::Test {
             EXPECT_EQ(event, "error");
             reports.push_back(fields);
         };
-        driver.pause = [this](Seconds span) { ports.time.sleepFor(span); };
     }
 
     std::unique_ptr<CanonEDSDKCamera> body() {

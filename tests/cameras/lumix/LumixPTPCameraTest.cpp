@@ -1,6 +1,7 @@
 #include "cameras/lumix/LumixPTPCamera.h"
 
 #include "platform/virtual/VirtualPorts.h"
+#include "support/Drivers.h"
 #include "support/MemoryFiles.h"
 #include "support/ScriptedHelpers.h"
 #include "support/TempFolder.h"
@@ -35,7 +36,7 @@ struct LumixBench : testing::Test {
     std::string at(const std::string& path) const { return (root.path() / path).string(); }
 
     LumixMachine machine() {
-        return {.drivers = {.queues = ports.queues, .loop = ports.loop, .clock = ports.time},
+        return {.drivers = test::driversOn(ports),
                 .children = helpers,
                 .programFolder = root.path() / "bin",
                 .environment = [this](const std::string& name) -> std::optional<std::string> {
@@ -62,17 +63,7 @@ struct LumixBench : testing::Test {
     }
     CaptureOutcome shoot(LumixPTPCamera& camera,
                          const Shot& shot = {.iso = 200, .aperture = 8, .shutterSec = 0.002}) {
-        int completions = 0;
-        CaptureOutcome last;
-        camera.capture(shot, [&](const CaptureOutcome& outcome) {
-            EXPECT_TRUE(ports.loop.onMainThread());
-            ++completions;
-            last = outcome;
-        });
-        EXPECT_EQ(completions, 0);
-        settle();
-        EXPECT_EQ(completions, 1);
-        return last;
+        return test::shotOn(ports, camera, shot);
     }
     ~LumixBench() override {
         settle();

@@ -4,6 +4,7 @@
 #include "cameras/sony/SonyCRSDKCamera.h"
 #include "cameras/sony/sony_bridge.h"
 #include "platform/virtual/VirtualPorts.h"
+#include "support/Drivers.h"
 #include "support/FakeCrSDK.h"
 #include "support/MemoryFiles.h"
 
@@ -36,7 +37,7 @@ struct SonyBench {
     FakeCrSDK sdk;
     std::shared_ptr<VirtualSonyWaits> waits = std::make_shared<VirtualSonyWaits>(ports.time);
     std::vector<std::pair<std::string, cameras::DriverMachine::Fields>> reports;
-    cameras::SonyRivals rivals;
+    cameras::CameraRivals rivals;
 
     SonyBench() {
         sdk.bodies.push_back(offeringBody());
@@ -61,13 +62,10 @@ struct SonyBench {
     }
 
     std::unique_ptr<cameras::SonyCRSDKCamera> body() {
-        const cameras::DriverMachine machine{
-            .queues = ports.queues,
-            .loop = ports.loop,
-            .clock = ports.time,
-            .report = [this](const std::string& event,
-                             const auto& fields) { reports.emplace_back(event, fields); },
-            .pause = [this](base::Seconds span) { ports.time.sleepFor(span); }};
+        cameras::DriverMachine machine = driversOn(ports);
+        machine.report = [this](const std::string& event, const auto& fields) {
+            reports.emplace_back(event, fields);
+        };
         return std::make_unique<cameras::SonyCRSDKCamera>(
             machine, rivals,
             cameras::SonyCRSDKCamera::Body{.id = "crsdk-1",
@@ -85,20 +83,8 @@ struct SonyBench {
             ports.time.runFor(base::Seconds{0});
     }
 
-    /// One shot, until it completes.
     cameras::CaptureOutcome shoot(cameras::SonyCRSDKCamera& camera, const cameras::Shot& shot = {}) {
-        int completions = 0;
-        cameras::CaptureOutcome last;
-        camera.capture(shot, [&](const cameras::CaptureOutcome& outcome) {
-            EXPECT_TRUE(ports.loop.onMainThread());
-            last = outcome;
-            ++completions;
-        });
-        EXPECT_EQ(completions, 0) << "completed before capture came back";
-        for (int round = 0; round < 20 && completions == 0; ++round)
-            ports.time.runFor(base::Seconds{0});
-        EXPECT_EQ(completions, 1);
-        return last;
+        return shotOn(ports, camera, shot);
     }
 };
 

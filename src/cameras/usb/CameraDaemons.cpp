@@ -1,4 +1,4 @@
-#include "cameras/gphoto2/CameraDaemons.h"
+#include "cameras/usb/CameraDaemons.h"
 
 #include <algorithm>
 #include <array>
