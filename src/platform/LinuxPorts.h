@@ -18,6 +18,7 @@
 #include "platform/PulseOutput.h"
 #include "platform/QtHttpClient.h"
 #include "platform/QtMainLoop.h"
+#include "platform/QtPixelDecoder.h"
 #include "platform/SpeechDispatcher.h"
 #include "platform/ThreadWorkQueues.h"
 #include "ports/Ports.h"
@@ -29,9 +30,9 @@ namespace zenka::platform {
 class LinuxPorts {
 public:
     LinuxPorts(ports::Settings& settings, ports::Folders& folders)
-        : all{clock,       loop,         queues, fireTimer, settings, folders, files,
-              keepAwake,   stallSampler, places, http,      images,   volumes, children,
-              serialPorts, sensors,      speech, sounds,    audio} {}
+        : all{clock,     loop,         queues,  fireTimer, settings, folders, files,
+              keepAwake, stallSampler, places,  http,      images,   pixels,  volumes,
+              children,  serialPorts,  sensors, speech,    sounds,   audio} {}
 
     LinuxClock clock;
     QtMainLoop loop;
@@ -45,6 +46,7 @@ public:
     LinuxProcessTable processes;
     LinuxSharedLibraries libraries;
     Exiv2Metadata images;
+    QtPixelDecoder pixels;
     LinuxVolumes volumes;
     QtHttpClient http{loop};
     LinuxSerialPorts serialPorts;

@@ -127,7 +127,15 @@ QtHttpClient::RequestId QtHttpClient::send(ports::HttpRequest request, Done done
 }
 
 void QtHttpClient::cancel(RequestId request) {
-    exchanges_.erase(request);
+    const auto node = exchanges_.extract(request);
+    QNetworkReply* reply = node.empty() ? nullptr : node.mapped()->reply;
+    if (!reply)
+        return;
+    reply->disconnect();
+    reply->abort();
+    // At once: an error that is on its way from Qt's thread would have Qt complain of a second one.
+    delete reply;
+    node.mapped()->reply = nullptr;
 }
 
 void QtHttpClient::complete(RequestId request, const ports::HttpReply& reply) {

@@ -12,6 +12,7 @@
 #include "ports/KeepAwake.h"
 #include "ports/MachineSensors.h"
 #include "ports/MainLoop.h"
+#include "ports/PixelDecoder.h"
 #include "ports/PlaceLookup.h"
 #include "ports/SerialPorts.h"
 #include "ports/Settings.h"
@@ -36,6 +37,7 @@ struct Ports {
     PlaceLookup& places;
     HttpClient& http;
     ImageMetadata& images;
+    PixelDecoder& pixels;
     Volumes& volumes;
     ChildProcesses& children;
     SerialPorts& serialPorts;

@@ -42,10 +42,11 @@ protected:
     MemoryFolders folders;
     platform::LinuxClock clock;
     platform::VirtualPorts rest{base::Instant{0}, folders, files};
-    const ports::Ports ports{clock,        loop,        rest.queues,    rest.fireTimer,    rest.settings,
-                             folders,      files,       rest.keepAwake, rest.stallSampler, rest.nowhere,
-                             http,         rest.images, rest.volumes,   rest.children,     rest.serialPorts,
-                             rest.sensors, rest.speech, rest.sounds,    rest.audio};
+    const ports::Ports ports{
+        clock,       loop,           rest.queues,       rest.fireTimer,   rest.settings, folders,
+        files,       rest.keepAwake, rest.stallSampler, rest.nowhere,     http,          rest.images,
+        rest.pixels, rest.volumes,   rest.children,     rest.serialPorts, rest.sensors,  rest.speech,
+        rest.sounds, rest.audio};
     rig::RigLog log{loop};
     rig::TimeSources time{ports, log};
 };

@@ -46,10 +46,10 @@ VirtualRig::VirtualRig(const MakeFamilies& make)
 
 ports::Ports VirtualRig::parts() {
     const ports::Ports& all = machine.all;
-    return {all.clock, loop,          all.queues,       all.fireTimer, all.settings, all.folders,
-            all.files, all.keepAwake, all.stallSampler, all.places,    all.http,     images,
-            volumes,   children,      serialPorts,      sensors,       speech,       sounds,
-            audio};
+    return {all.clock,   loop,      all.queues,    all.fireTimer,    all.settings,
+            all.folders, all.files, all.keepAwake, all.stallSampler, all.places,
+            all.http,    images,    pixels,        volumes,          children,
+            serialPorts, sensors,   speech,        sounds,           audio};
 }
 
 void VirtualRig::load(const std::string& script) {

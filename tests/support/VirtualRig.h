@@ -10,6 +10,7 @@
 #include "support/ScriptedHttp.h"
 #include "support/ScriptedSerial.h"
 #include "support/ScriptedVoice.h"
+#include "support/ToldPixels.h"
 #include "support/ToldSensors.h"
 #include "support/WatchedLoop.h"
 
@@ -36,6 +37,7 @@ public:
     FakePlaces places;
     ScriptedHttp http;
     ToldImages images;
+    ToldPixels pixels;
     ScriptedVolumes volumes;
     platform::VirtualPorts machine;
     WatchedLoop loop{machine.loop}; ///< the one that the rig has

@@ -10,6 +10,7 @@
 #include "ports/KeepAwake.h"
 #include "ports/MachineSensors.h"
 #include "ports/MainLoop.h"
+#include "ports/PixelDecoder.h"
 #include "ports/PlaceLookup.h"
 #include "ports/SerialPorts.h"
 #include "ports/Settings.h"
@@ -125,6 +126,12 @@ private:
 class NoImages final : public ports::ImageMetadata {
 public:
     std::optional<ports::ImageFields> read(const std::filesystem::path&) override { return std::nullopt; }
+};
+
+/// A machine whose pictures have no pixels.
+class NoPixels final : public ports::PixelDecoder {
+public:
+    std::optional<ports::Pixels> decodePng(std::string_view, int, int) const override { return std::nullopt; }
 };
 
 /// A machine without a card reader.

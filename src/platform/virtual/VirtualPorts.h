@@ -12,9 +12,9 @@ struct VirtualPorts {
 
     VirtualPorts(base::Instant wallStart, ports::Folders& folders, ports::Files& files,
                  ports::PlaceLookup& places, ports::HttpClient& http)
-        : time(wallStart), all{time,        loop,         queues, fireTimer, settings, folders, files,
-                               keepAwake,   stallSampler, places, http,      images,   volumes, children,
-                               serialPorts, sensors,      speech, sounds,    audio} {}
+        : time(wallStart), all{time,      loop,         queues,  fireTimer, settings, folders, files,
+                               keepAwake, stallSampler, places,  http,      images,   pixels,  volumes,
+                               children,  serialPorts,  sensors, speech,    sounds,   audio} {}
 
     VirtualTime time;
     VirtualLoop loop{time};
@@ -26,6 +26,7 @@ struct VirtualPorts {
     NoPlaces nowhere;
     NoHttp noHttp{loop};
     NoImages images;
+    NoPixels pixels;
     NoVolumes volumes;
     NoChildren children;
     NoSerialPorts serialPorts;

@@ -59,11 +59,26 @@ struct RealGphoto2 : testing::Test {
                                                             .folders = folders,
                                                             .files = machine.files,
                                                             .programFolder = programsBelow(root.path())}};
-    ports::Ports ports{
-        machine.clock,   loop,           machine.queues,    machine.fireTimer,    settings,
-        folders,         machine.files,  machine.keepAwake, machine.stallSampler, machine.places,
-        machine.http,    machine.images, machine.volumes,   machine.children,     machine.serialPorts,
-        machine.sensors, machine.speech, machine.sounds,    machine.audio};
+    ports::Ports ports{machine.clock,
+                       loop,
+                       machine.queues,
+                       machine.fireTimer,
+                       settings,
+                       folders,
+                       machine.files,
+                       machine.keepAwake,
+                       machine.stallSampler,
+                       machine.places,
+                       machine.http,
+                       machine.images,
+                       machine.pixels,
+                       machine.volumes,
+                       machine.children,
+                       machine.serialPorts,
+                       machine.sensors,
+                       machine.speech,
+                       machine.sounds,
+                       machine.audio};
     rig::RigModel rig{ports, "9.9", {std::make_shared<rig::GPhoto2Family>(program, machine.usb)}};
     std::vector<std::string> lines;
 
