@@ -13,7 +13,6 @@
 #include "rig/SettingsKeys.h"
 #include "rig/SonyFamily.h"
 #include "services/ModelStatsFetch.h"
-#include "services/ServiceAddress.h"
 #include "services/UpdateCheck.h"
 #include "ui/Window.h"
 
@@ -49,9 +48,9 @@ int runWindow(int argc, char** argv) {
     QGuiApplication::setDesktopFileName(QStringLiteral("zenka"));
     platform::ThreadWorkQueues settingsQueues;
     platform::QtSettings settings(settingsQueues);
-    for (const char* key : {services::serviceHostKey, services::updateAddressKey,
-                            rig::settingsKeys::elevationHost, rig::settingsKeys::timeServer})
+    for (const char* key : rig::settingsKeys::deployment)
         settings.letEnvironmentRule(key);
+    settings.letEnvironmentRule(services::updateAddressKey);
     platform::LinuxFolders folders;
     // Work on the machine's queues may still use these when all else has gone.
     std::optional<cameras::CameraDaemons> daemons;

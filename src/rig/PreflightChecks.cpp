@@ -242,6 +242,27 @@ void tailFrames(const PreflightSources& rig, List& list) {
                  "tail, or keep them if intended.");
 }
 
+/// Only where the horizon was looked up.
+void horizon(const PreflightSources& rig, List& list) {
+    const auto& known = rig.horizons.here().get();
+    const auto& circ = rig.site.circ();
+    if (!known || !circ)
+        return;
+    std::vector<std::string> hidden;
+    for (const ContactClearance& contact : contactClearances(*circ, known->result.samples)) {
+        if (contact.hidden())
+            hidden.push_back(absl::StrFormat("%s (Sun %.1f°, horizon %.1f°)", contact.key, contact.sunAltDeg,
+                                             contact.horizonDeg));
+    }
+    if (hidden.empty())
+        list.add("Horizon", ok,
+                 "The Sun stands clear of the " + known->result.source + " at every contact that is up.");
+    else
+        list.add("Horizon", warn,
+                 "The " + known->result.source + " hides the Sun at " + base::joined(hidden) +
+                     ". Open Location to see where, and choose a place with a freer view.");
+}
+
 void scriptCameras(const PreflightSources& rig, List& list) {
     const auto& byToken = rig.script.capturesByToken();
     for (const auto& missing : rig.roster.missingCameras(rig.script.cameraTokens())) {
@@ -355,6 +376,7 @@ std::vector<PreflightCheck> preflightChecks(const PreflightSources& rig) {
                         platformWords::displaySettings, computer),
         false);
     tailFrames(rig, list);
+    horizon(rig, list);
     unprofiledCadence(rig, live, list);
     usbBuses(live, list);
     driveDials(rig, live, list);

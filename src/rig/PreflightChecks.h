@@ -6,6 +6,7 @@
 #include "rig/CadenceAdvisor.h"
 #include "rig/CameraRoster.h"
 #include "rig/HealthMonitor.h"
+#include "rig/HorizonDesk.h"
 #include "rig/MutedGuard.h"
 #include "rig/ScriptDesk.h"
 #include "rig/ScriptValidator.h"
@@ -34,6 +35,7 @@ struct PreflightCheck {
 struct PreflightSources {
     const SiteDesk& site;
     const SiteBook& sites;
+    const HorizonDesk& horizons;
     const CameraRoster& roster;
     const BodyModes& modes;
     const ScriptDesk& script;

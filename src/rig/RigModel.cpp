@@ -13,15 +13,16 @@ constexpr base::Seconds exitLimit{2}; ///< for a body to be let go of at the end
 RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
                    const CameraDetector::Families& families)
     : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
-      script_(ports_, log_, site_), logbook_(ports_, log_, site_, roster_, appVersion),
-      sleepGuard_(ports_.keepAwake, log_), transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
+      horizons_(ports_, site_), script_(ports_, log_, site_),
+      logbook_(ports_, log_, site_, roster_, appVersion), sleepGuard_(ports_.keepAwake, log_),
+      transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
       keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion), floors_(ports_.settings),
       exposure_(ports_, log_, site_, script_, roster_, floors_, logbook_),
       outcomes_(ports_, log_, site_, roster_, logbook_, transport_),
       fireLoop_(ports_, log_, script_, roster_, exposure_, logbook_, transport_, outcomes_),
       manualFire_(ports_, roster_, transport_, outcomes_, families),
       testShots_(log_, script_, roster_, transport_, outcomes_, manualFire_, inUse_),
-      library_(ports_, log_, roster_), validator_(ports_, log_, site_, script_, roster_, floors_),
+      library_(ports_, log_, roster_), validator_(ports_, log_, site_, script_, roster_, floors_, horizons_),
       cadence_(log_, roster_, script_, floors_),
       gapProfiler_(ports_, log_, roster_, transport_, manualFire_, floors_, inUse_),
       cameraProfiler_(ports_, roster_, transport_, library_, inUse_), cards_(ports_),
@@ -34,6 +35,7 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
       preflight_(ports_, log_,
                  {.site = site_,
                   .sites = sites_,
+                  .horizons = horizons_,
                   .roster = roster_,
                   .modes = modes_,
                   .script = script_,
@@ -188,6 +190,7 @@ void RigModel::bootstrap() {
     floors_.discardOlympusTriggerEraMeasurements();
     site_.restore();
     sites_.restore();
+    horizons_.restore();
     script_.restore();
     library_.restore();
     recompute();

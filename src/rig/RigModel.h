@@ -19,6 +19,7 @@
 #include "rig/GapProfiler.h"
 #include "rig/HealthMonitor.h"
 #include "rig/HeldSessions.h"
+#include "rig/HorizonDesk.h"
 #include "rig/LibraryDesk.h"
 #include "rig/ManualFire.h"
 #include "rig/MeasuredFloors.h"
@@ -68,6 +69,7 @@ public:
     RigLog& log() { return log_; }
     SiteDesk& site() { return site_; }
     SiteBook& sites() { return sites_; }
+    HorizonDesk& horizons() { return horizons_; }
     ScriptDesk& script() { return script_; }
     CameraRoster& roster() { return roster_; }
     RunLogbook& logbook() { return logbook_; }
@@ -116,6 +118,7 @@ private:
     RigLog log_;
     SiteDesk site_;
     SiteBook sites_;
+    HorizonDesk horizons_;
     ScriptDesk script_;
     CameraRoster roster_;
     RunLogbook logbook_;

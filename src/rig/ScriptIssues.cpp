@@ -1,5 +1,6 @@
 #include "rig/ScriptIssues.h"
 
+#include "eclipse/TerrainHorizon.h"
 #include "rig/CadenceAdvisor.h"
 #include "script/EspenakGuide.h"
 
@@ -218,16 +219,19 @@ void findSunDown(const IssueContext& context, std::vector<ScriptDiag>& issues) {
 
 void findLowSun(const IssueContext& context, std::span<const Capture> captures,
                 std::vector<ScriptDiag>& issues) {
-    LowFrames below, low;
-    std::optional<std::pair<double, double>> last; // bodies that fire together look at one Sun
+    LowFrames below, low, hidden;
+    std::optional<double> lookedAt; // bodies that fire together look at one Sun
+    eclipse::Geom sun;
     for (const Capture& capture : captures) {
-        if (!last || last->first != capture.offsetSec)
-            last = {capture.offsetSec,
-                    context.eclipse->geometry(capture.offsetSec / 3600, context.observer).altDeg};
-        if (last->second < 0)
-            below.add(capture, last->second);
-        else if (last->second < lowSunDeg)
-            low.add(capture, last->second);
+        if (lookedAt != capture.offsetSec)
+            sun = context.eclipse->geometry(capture.offsetSec / 3600, context.observer);
+        lookedAt = capture.offsetSec;
+        if (sun.altDeg < 0)
+            below.add(capture, sun.altDeg);
+        else if (sun.altDeg < lowSunDeg)
+            low.add(capture, sun.altDeg);
+        if (sun.altDeg >= 0 && sun.altDeg < eclipse::TerrainHorizon::elevationAt(context.horizon, sun.azDeg))
+            hidden.add(capture, sun.altDeg);
     }
     if (below.first)
         issues.push_back({.lineNo = below.first->lineNo,
@@ -240,6 +244,12 @@ void findLowSun(const IssueContext& context, std::span<const Capture> captures,
                           .severity = "warning",
                           .message = "Sun very low (under 5°) for " + low.words() +
                                      ". Watch for horizon obstructions (trees, buildings, terrain)."});
+    if (hidden.first)
+        issues.push_back({.lineNo = hidden.first->lineNo,
+                          .severity = "warning",
+                          .message = "Sun behind the terrain of this site for " + hidden.words() +
+                                     ". Location shows the horizon: find a place with a freer view, or keep "
+                                     "them if intended."});
 }
 
 } // namespace

@@ -29,6 +29,7 @@ struct IssueContext {
     eclipse::Observer observer;
     std::map<std::string, double> contactTHours; ///< as in CompileContext
     std::string siteLabel;
+    std::vector<double> horizon; ///< as TerrainHorizon::Result::samples; empty where it is not known
     std::map<std::string, std::vector<IssueBody>> bodies; ///< by the script's name of them
 };
 

@@ -12,18 +12,25 @@
 namespace zenka::rig {
 
 ScriptValidator::ScriptValidator(const ports::Ports& ports, RigLog& log, const SiteDesk& site,
-                                 ScriptDesk& script, const CameraRoster& roster, const MeasuredFloors& floors)
-    : ports_(ports), log_(log), site_(site), script_(script), roster_(roster), floors_(floors) {
+                                 ScriptDesk& script, const CameraRoster& roster, const MeasuredFloors& floors,
+                                 const HorizonDesk& horizons)
+    : ports_(ports), log_(log), site_(site), script_(script), roster_(roster), floors_(floors),
+      horizons_(horizons) {
     script.compiled().connect([this] { followScript(); });
+    horizons.here().changed().connect([this](const auto&) { forget(); });
 }
 
-void ScriptValidator::followScript() {
-    ++compiles_;
+void ScriptValidator::forget() {
+    ++looks_;
     latestIssues_.reset();
     if (didValidate_.get()) {
         validationIssues_.set({});
         didValidate_.set(false);
     }
+}
+
+void ScriptValidator::followScript() {
+    forget();
     for (const Found& found : std::exchange(whenCompiled_, {}))
         find(found);
 }
@@ -58,8 +65,8 @@ void ScriptValidator::find(Found found) {
     const auto work = std::make_shared<Work>(Work{.context = context(script_.cameraTokens()),
                                                   .captures = script_.captures(),
                                                   .byToken = script_.capturesByToken()});
-    const auto arrive = lifeline_.guard([this, work, found = std::move(found), compiles = compiles_] {
-        const bool current = compiles == compiles_;
+    const auto arrive = lifeline_.guard([this, work, found = std::move(found), look = looks_] {
+        const bool current = look == looks_;
         if (current)
             latestIssues_ = work->issues;
         found({.issues = work->issues, .captures = work->captures.size(), .current = current});
@@ -97,6 +104,8 @@ IssueContext ScriptValidator::context(const std::vector<std::string>& tokens) co
                          .observer = site_.observer(),
                          .contactTHours = site_.contactTHours(),
                          .siteLabel = site_.site().label};
+    if (const auto& horizon = horizons_.here().get())
+        context.horizon = horizon->result.samples;
     for (const std::string& token : tokens) {
         std::vector<IssueBody>& bodies = context.bodies[token];
         for (const auto& camera : roster_.camerasFor(token)) {

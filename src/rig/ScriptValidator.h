@@ -4,6 +4,7 @@
 #include "base/Published.h"
 #include "ports/Ports.h"
 #include "rig/CameraRoster.h"
+#include "rig/HorizonDesk.h"
 #include "rig/MeasuredFloors.h"
 #include "rig/RigLog.h"
 #include "rig/ScriptDesk.h"
@@ -24,7 +25,7 @@ public:
     using Issues = std::vector<script::ScriptDiag>;
 
     ScriptValidator(const ports::Ports& ports, RigLog& log, const SiteDesk& site, ScriptDesk& script,
-                    const CameraRoster& roster, const MeasuredFloors& floors);
+                    const CameraRoster& roster, const MeasuredFloors& floors, const HorizonDesk& horizons);
 
     /// Looks at the script, off the main thread, once what was typed is compiled; what is found is published
     /// and counted in the log.
@@ -55,6 +56,7 @@ private:
     using Found = std::function<void(const Finding&)>;
     void find(Found found);
     void publish(const Finding& finding);
+    void forget();
     void followScript();
 
     const ports::Ports& ports_;
@@ -63,11 +65,12 @@ private:
     const ScriptDesk& script_;
     const CameraRoster& roster_;
     const MeasuredFloors& floors_;
+    const HorizonDesk& horizons_;
     base::Published<Issues> validationIssues_;
     base::Published<bool> didValidate_{false};
     std::optional<Issues> latestIssues_;
     std::vector<Found> whenCompiled_; // wait for the script to be compiled
-    std::size_t compiles_ = 0;
+    std::size_t looks_ = 0;           ///< goes up whenever what a look would find has changed
     base::Lifeline lifeline_;
 };
 

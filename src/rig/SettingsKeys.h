@@ -37,6 +37,14 @@ inline constexpr char criticalBatteryAudio[] = "eclipse.criticalBatteryAudio";
 inline constexpr char serviceHost[] = "zenka.serviceHost"; ///< of the program's own service, "https://host"
 inline constexpr char timeServer[] = "zenka.timeServer";   ///< whose Date header the clock is held against
 inline constexpr char elevationHost[] = "zenka.elevationHost"; ///< address before "/v1/elevation"
+inline constexpr char terrainTiles[] = "zenka.terrainTiles";   ///< "mapbox" (when unset) or "open"
+inline constexpr char terrainHost[] = "zenka.terrainHost";     ///< of the tiles that want a token
+inline constexpr char terrainToken[] = "zenka.terrainToken";
+inline constexpr char openTerrainHost[] = "zenka.openTerrainHost";              ///< of those that want none
 inline constexpr char eclipseDayPromptedPrefix[] = "zenka.eclipseDayPrompted."; ///< + id: the day, ISO 8601
+
+/// What a deployment gives: each has an environment variable over it.
+inline constexpr const char* deployment[] = {serviceHost, timeServer,   elevationHost,  terrainTiles,
+                                             terrainHost, terrainToken, openTerrainHost};
 
 } // namespace zenka::rig::settingsKeys

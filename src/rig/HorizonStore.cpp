@@ -1,0 +1,85 @@
+#include "rig/HorizonStore.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+
+namespace zenka::rig {
+
+namespace {
+
+using Json = nlohmann::json;
+
+bool hasNumber(const Json& object, const char* key) {
+    return object.contains(key) && object[key].is_number();
+}
+
+std::optional<KnownHorizon> horizonIn(const Json& item) {
+    const std::size_t wanted = eclipse::TerrainHorizon::azimuths;
+    if (!item.is_object() || !hasNumber(item, "lat") || !hasNumber(item, "lon") ||
+        !item.contains("samples") || !item["samples"].is_array() || item["samples"].size() != wanted)
+        return std::nullopt;
+    KnownHorizon horizon{.lat = item["lat"].get<double>(), .lon = item["lon"].get<double>(), .result = {}};
+    for (std::size_t i = 0; i < wanted; ++i) {
+        const Json& sample = item["samples"][i];
+        if (!sample.is_number() || sample.get<double>() < 0 || sample.get<double>() > 90)
+            return std::nullopt; // JSON has no NaN
+        horizon.result.samples[i] = sample.get<double>();
+    }
+    if (hasNumber(item, "height"))
+        horizon.result.observerHeightM = item["height"].get<double>();
+    if (item.contains("source") && item["source"].is_string())
+        horizon.result.source = item["source"].get<std::string>();
+    return horizon;
+}
+
+} // namespace
+
+std::string toJson(const std::vector<KnownHorizon>& horizons) {
+    constexpr double steps = 1000; // of a degree
+    Json list = Json::array();
+    for (const KnownHorizon& horizon : horizons) {
+        Json item{{"lat", horizon.lat}, {"lon", horizon.lon}, {"source", horizon.result.source}};
+        if (horizon.result.observerHeightM)
+            item["height"] = *horizon.result.observerHeightM;
+        Json& samples = item["samples"] = Json::array();
+        for (const double sample : horizon.result.samples)
+            samples.push_back(std::round(sample * steps) / steps);
+        list.push_back(std::move(item));
+    }
+    return list.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::optional<std::vector<KnownHorizon>> horizonsFromJson(std::string_view json) {
+    const Json list = Json::parse(json, nullptr, false);
+    if (!list.is_array())
+        return std::nullopt;
+    std::vector<KnownHorizon> horizons;
+    for (const Json& item : list) {
+        if (auto horizon = horizonIn(item))
+            horizons.push_back(*std::move(horizon));
+    }
+    return horizons;
+}
+
+HorizonStore::HorizonStore(const ports::Ports& ports)
+    : disk_(ports.files), file_(ports.folders.applicationSupport() / "horizons.json"),
+      queue_(ports.queues.serial("zenka.horizons")) {
+}
+
+std::vector<KnownHorizon> HorizonStore::load() {
+    const auto text = disk_.read(file_);
+    if (!text)
+        return {};
+    if (auto horizons = horizonsFromJson(*text))
+        return *std::move(horizons);
+    disk_.writeAtomically(file_.string() + ".damaged", *text);
+    return {};
+}
+
+void HorizonStore::save(const std::vector<KnownHorizon>& horizons) {
+    queue_->post(
+        [&disk = disk_, file = file_, json = toJson(horizons)] { disk.writeAtomically(file, json); });
+}
+
+} // namespace zenka::rig

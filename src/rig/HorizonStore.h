@@ -1,0 +1,44 @@
+#pragma once
+
+#include "eclipse/TerrainHorizon.h"
+#include "ports/Ports.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zenka::rig {
+
+/// The horizon of a place as it was found.
+struct KnownHorizon {
+    double lat = 0; ///< degrees, north positive
+    double lon = 0; ///< degrees, east positive
+    eclipse::TerrainHorizon::Result result;
+
+    friend bool operator==(const KnownHorizon&, const KnownHorizon&) = default;
+};
+
+std::string toJson(const std::vector<KnownHorizon>& horizons);
+/// One that cannot be read is left out; nothing when none of the text can.
+std::optional<std::vector<KnownHorizon>> horizonsFromJson(std::string_view json);
+
+/// The horizons that were found, in "horizons.json", so that they are there where no network is.
+class HorizonStore {
+public:
+    explicit HorizonStore(const ports::Ports& ports);
+
+    /// Waits for the disk, for start-up. A missing file is an empty list; one that cannot be read is kept
+    /// beside as "horizons.json.damaged".
+    std::vector<KnownHorizon> load();
+    void save(const std::vector<KnownHorizon>& horizons);
+
+private:
+    ports::Files& disk_;
+    const std::filesystem::path file_;
+    std::shared_ptr<ports::WorkQueue> queue_;
+};
+
+} // namespace zenka::rig
