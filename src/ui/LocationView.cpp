@@ -395,6 +395,10 @@ geo::GeoPoint LocationView::siteInUse() const {
     return {.lat = rig_.site().site().lat, .lon = rig_.site().site().lon};
 }
 
+const rig::Site& LocationView::draftSite() const {
+    return draft_->site();
+}
+
 geo::GeoPoint LocationView::draftPoint() const {
     return {.lat = draft_->site().lat, .lon = draft_->site().lon};
 }

@@ -129,6 +129,8 @@ public:
     const EclipseTrack* track() const;
     geo::GeoPoint siteInUse() const;
     geo::GeoPoint draftPoint() const;
+    /// The site of the fields, as far as they can be read.
+    const rig::Site& draftSite() const;
 
 Q_SIGNALS:
     void draftChanged();

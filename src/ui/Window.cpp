@@ -19,6 +19,8 @@
 #include "ui/EditTarget.h"
 #include "ui/GapProfilerView.h"
 #include "ui/HealthView.h"
+#include "ui/HorizonItem.h"
+#include "ui/HorizonView.h"
 #include "ui/LibraryView.h"
 #include "ui/LocationView.h"
 #include "ui/LogView.h"
@@ -74,6 +76,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     TimelineItem::registerTypes();
     ScriptView::registerTypes();
     WorldMapItem::registerTypes();
+    HorizonItem::registerTypes();
     WizardView::registerTypes();
 
     QQmlContext& context = *engine_->rootContext();
@@ -101,7 +104,9 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     auto* wizard = new WizardView(rig, ports, this);
     context.setContextProperty(QStringLiteral("wizard"), wizard);
     connect(wizard, &WizardView::applied, script, &ScriptView::noteWizard);
-    context.setContextProperty(QStringLiteral("location"), new LocationView(rig, ports, this));
+    auto* location = new LocationView(rig, ports, this);
+    context.setContextProperty(QStringLiteral("location"), location);
+    context.setContextProperty(QStringLiteral("horizon"), new HorizonView(rig, ports, *location, this));
     context.setContextProperty(QStringLiteral("cameras"), new CamerasView(rig, this));
     context.setContextProperty(QStringLiteral("testShot"), new TestShotView(rig, this));
     context.setContextProperty(QStringLiteral("bodyList"), new BodyList(rig, this));

@@ -9,6 +9,7 @@ SheetFrame {
     title: "Location"
     grow: true
     readonly property string keysHere: "Up, down: a step of the number, with Shift ten. Tab: to the next field and on to the map. On the map: arrows move it, + and − zoom, Enter takes the cross-hair. Escape: back, with the site as it was."
+    property bool horizonShown: false
     Component.onCompleted: location.open()
 
     function use() {
@@ -110,46 +111,65 @@ SheetFrame {
             Layout.fillWidth: true
             Layout.fillHeight: true
             spacing: 6
-            Item {
+            Loader {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                clip: true
-                WorldMapItem {
-                    id: map
-                    objectName: "map"
-                    anchors.fill: parent
-                    view: location
-                    colors: theme
-                    Accessible.role: Accessible.Graphic
-                    Accessible.name: "Map. " + location.probeText
-                    Accessible.focusable: true
-                }
-                Rectangle {
-                    anchors.fill: parent
-                    color: "transparent"
-                    border.width: map.activeFocus ? 2 : 1
-                    border.color: map.activeFocus ? theme.accent : theme.line
-                }
-                Row {
-                    anchors { left: parent.left; top: parent.top; margins: 8 }
-                    spacing: 6
-                    ZButton { text: "+"; onClicked: map.zoomIn(); Accessible.name: "Zoom in" }
-                    ZButton { text: "−"; onClicked: map.zoomOut(); Accessible.name: "Zoom out" }
-                    ZButton { text: "World"; onClicked: map.showWorld(); Accessible.name: "Show the whole world" }
-                    ZButton { text: "Site"; onClicked: map.showPoint(); Accessible.name: "Show the site" }
-                }
+                active: sheet.horizonShown
+                visible: active
+                sourceComponent: HorizonPane {}
             }
-            ZLabel {
+            ColumnLayout {
                 Layout.fillWidth: true
-                Layout.minimumHeight: theme.small * 2.6
-                text: location.probeText
-                font.family: theme.digits
-                font.pixelSize: theme.small
-                verticalAlignment: Text.AlignVCenter
+                Layout.fillHeight: true
+                visible: !sheet.horizonShown
+                spacing: 6
+                Item {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    clip: true
+                    WorldMapItem {
+                        id: map
+                        objectName: "map"
+                        anchors.fill: parent
+                        view: location
+                        colors: theme
+                        Accessible.role: Accessible.Graphic
+                        Accessible.name: "Map. " + location.probeText
+                        Accessible.focusable: true
+                    }
+                    Rectangle {
+                        anchors.fill: parent
+                        color: "transparent"
+                        border.width: map.activeFocus ? 2 : 1
+                        border.color: map.activeFocus ? theme.accent : theme.line
+                    }
+                    Row {
+                        anchors { left: parent.left; top: parent.top; margins: 8 }
+                        spacing: 6
+                        ZButton { text: "+"; onClicked: map.zoomIn(); Accessible.name: "Zoom in" }
+                        ZButton { text: "−"; onClicked: map.zoomOut(); Accessible.name: "Zoom out" }
+                        ZButton { text: "World"; onClicked: map.showWorld(); Accessible.name: "Show the whole world" }
+                        ZButton { text: "Site"; onClicked: map.showPoint(); Accessible.name: "Show the site" }
+                    }
+                }
+                ZLabel {
+                    Layout.fillWidth: true
+                    Layout.minimumHeight: theme.small * 2.6
+                    text: location.probeText
+                    font.family: theme.digits
+                    font.pixelSize: theme.small
+                    verticalAlignment: Text.AlignVCenter
+                }
             }
             RowLayout {
                 Layout.fillWidth: true
                 spacing: 8
+                ZButton {
+                    objectName: "showHorizon"
+                    text: sheet.horizonShown ? "Map" : "Horizon"
+                    onClicked: sheet.horizonShown = !sheet.horizonShown
+                    Accessible.name: sheet.horizonShown ? "Show the map" : "Show the horizon"
+                }
                 ZButton {
                     objectName: "goToGreatest"
                     text: "Go to greatest duration"

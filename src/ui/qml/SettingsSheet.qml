@@ -91,6 +91,18 @@ SheetFrame {
                 note: "Is asked for the height of the ground at a point that you pick, and so learns of it. Empty: nobody is asked."
                 onDecided: (text) => location.elevationHost = text
             }
+            ZCheck {
+                Layout.fillWidth: true
+                text: "Terrain from the open tiles, which want no token"
+                checked: horizon.openTiles
+                onToggled: horizon.openTiles = checked
+            }
+            SettingField {
+                name: "Token for terrain and buildings"
+                value: horizon.token
+                note: "Of an account at Mapbox. It is asked for tiles, and so learns roughly where you will be, when you look up the terrain in Location."
+                onDecided: (text) => horizon.token = text
+            }
             SettingField {
                 name: "Address for updates"
                 value: updates.address

@@ -14,10 +14,13 @@
 
 #include <QGuiApplication>
 #include <QImage>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QUrl>
 #include <absl/strings/str_format.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -237,6 +240,63 @@ void shootPreflight(test::VirtualRig& rig, ui::Window& window, Album& album) {
     }
 }
 
+QQuickItem* itemNamed(QQuickItem* item, const char* name) {
+    if (item->objectName() == QLatin1String(name))
+        return item;
+    for (QQuickItem* child : item->childItems()) {
+        if (QQuickItem* found = itemNamed(child, name))
+            return found;
+    }
+    return nullptr;
+}
+
+/// The terrain in the location sheet: not looked up, on its way, and in front of the Sun.
+void shootHorizon(test::VirtualRig& rig, ui::Window& window, Album& album) {
+    const rig::Site& site = rig.model.site().site();
+    rig::KnownHorizon hills{.lat = site.lat, .lon = site.lon, .result = {}};
+    for (std::size_t az = 0; az < hills.result.samples.size(); ++az) {
+        const auto at = static_cast<double>(az);
+        hills.result.samples[az] =
+            std::max(0.0, 7 + 2 * std::sin(at / 17) + std::sin(at / 5) + 0.5 * std::sin(at / 1.7));
+    }
+    hills.result.observerHeightM = 204;
+    rig.machine.settings.setText("zenka.terrainToken", "pk");
+    for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
+        window.quickWindow()->resize(size);
+        for (const char* theme : {"Sunlight", "Dark", "Night"}) {
+            window.theme().choose(QString::fromLatin1(theme));
+            const auto shoot = [&](const char* page) {
+                album.shoot("Location-" + std::string(page) + "-" + theme + "-" +
+                            std::to_string(size.width()));
+            };
+            const auto turnToHorizon = [&] {
+                for (int i = 0; i < 20; ++i)
+                    QCoreApplication::processEvents();
+                QMetaObject::invokeMethod(itemNamed(window.quickWindow()->contentItem(), "showHorizon"),
+                                          "clicked");
+            };
+            rig.files.contents.erase(rig.folders.applicationSupport() / "horizons.json");
+            rig.model.horizons().restore();
+            window.app().openSheet(QStringLiteral("Location"));
+            rig.run(0.1);
+            turnToHorizon();
+            shoot("flat");
+            rig.model.horizons().find({.lat = site.lat, .lon = site.lon}, false);
+            rig.run(0.1);
+            shoot("loading");
+            rig.model.horizons().cancel();
+            rig.files.contents[rig.folders.applicationSupport() / "horizons.json"] = rig::toJson({hills});
+            rig.model.horizons().restore();
+            window.app().closeSheet();
+            window.app().openSheet(QStringLiteral("Location"));
+            rig.run(0.1);
+            turnToHorizon();
+            shoot("hidden");
+            window.app().closeSheet();
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -323,6 +383,8 @@ int main(int argc, char** argv) {
         shootProfilers(rig, window, album);
     if (wanted("Analyzer"))
         shootAnalyzer(rig, window, album);
+    if (wanted("Location"))
+        shootHorizon(rig, window, album);
     if (wanted("Preflight"))
         shootPreflight(rig, window, album);
 }
