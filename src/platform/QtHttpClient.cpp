@@ -165,8 +165,12 @@ void QtHttpClient::read(RequestId request) {
     if (status >= 300 && status < 400)
         return;
     exchange.body.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    if (exchange.body.size() > exchange.mostBytes)
-        refuse(request, "the answer is too long");
+    if (exchange.body.size() > exchange.mostBytes) {
+        ports::HttpReply tooLong;
+        tooLong.fault = "the answer is too long";
+        tooLong.tooLong = true;
+        complete(request, tooLong);
+    }
 }
 
 void QtHttpClient::finish(RequestId request) {

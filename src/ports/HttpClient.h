@@ -28,7 +28,8 @@ struct HttpReply {
     int status = 0;
     std::map<std::string, std::string> headers; ///< names in lower case
     std::string body;
-    std::string fault; ///< why there is no answer, as the end of a sentence: "the time ran out"
+    std::string fault;    ///< why there is no answer, as the end of a sentence: "the time ran out"
+    bool tooLong = false; ///< the fault is that the answer is longer than mostBytes
 
     bool ok() const { return status >= 200 && status < 300; }
     bool operator==(const HttpReply&) const = default;

@@ -99,6 +99,36 @@ ScriptValidator::Issues ScriptValidator::issues(const std::string& forScriptText
     return all;
 }
 
+void ScriptValidator::examine(std::string text,
+                              std::function<void(const std::shared_ptr<const Examined>&)> then) const {
+    struct Work {
+        Examined examined;
+        IssueContext context;
+    };
+    const auto work = std::make_shared<Work>();
+    work->examined.text = std::move(text);
+    work->examined.site = site_.compileSite();
+    const auto arrive = lifeline_.guard(
+        [work, then = std::move(then)] { then(std::shared_ptr<const Examined>(work, &work->examined)); });
+    // Which bodies it is held against is known once its cameras are, and the bodies belong to this thread.
+    const auto holdAgainst = lifeline_.guard([this, work, arrive] {
+        work->context = context(work->examined.compiled.cameras);
+        ports_.queues.background([work, arrive, &loop = ports_.loop] {
+            Examined& examined = work->examined;
+            examined.issues = examined.compiled.diagnostics;
+            std::ranges::move(computeIssues(work->context, examined.compiled.captures,
+                                            script::capturesByToken(examined.compiled.captures)),
+                              std::back_inserter(examined.issues));
+            loop.post(arrive);
+        });
+    });
+    ports_.queues.background([work, holdAgainst, &loop = ports_.loop] {
+        Examined& examined = work->examined;
+        examined.compiled = script::ZenkaScript::compile(examined.text, examined.site.context());
+        loop.post(holdAgainst);
+    });
+}
+
 IssueContext ScriptValidator::context(const std::vector<std::string>& tokens) const {
     IssueContext context{.eclipse = site_.sharedEclipse(),
                          .observer = site_.observer(),

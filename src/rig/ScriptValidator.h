@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,6 +43,16 @@ public:
 
     /// What the compiler says of another text, then what is found in it.
     Issues issues(const std::string& forScriptText) const;
+
+    /// Another text, what it compiles to, and what issues() finds in it.
+    struct Examined {
+        std::string text;
+        CompileSite site; ///< that it was compiled for
+        script::CompiledScript compiled;
+        Issues issues;
+    };
+    /// issues() for texts of any length: works off the main thread and then calls back on it.
+    void examine(std::string text, std::function<void(const std::shared_ptr<const Examined>&)> then) const;
 
     /// What the cameras of some names are held against now.
     IssueContext context(const std::vector<std::string>& tokens) const;

@@ -18,7 +18,7 @@ namespace {
 /// Sheets that cover the dashboard, which then need not be drawn often.
 bool coversDashboard(const QString& sheet) {
     return sheet == QLatin1String("Script") || sheet == QLatin1String("Settings") ||
-           sheet == QLatin1String("Wizard");
+           sheet == QLatin1String("Wizard") || sheet == QLatin1String("Assistant");
 }
 
 /// Bytes of a script that are laid out without holding up a frame by more than some tenths of a second.

@@ -117,6 +117,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
     Menu(commands, "File")
         .add("newScriptCmd", "New Script", "Ctrl+N", script("newScript"))
         .add("scriptWizard", "Script Wizard…", "Ctrl+K", sheet("Wizard"))
+        .add("aiAssistant", "AI Script Assistant…", "Ctrl+J", sheet("Assistant"))
         .add("openScriptCmd", "Open Script…", "Ctrl+O", script("open"))
         .add("saveScriptCmd", "Save Script…", "Ctrl+S", script("save"))
         .add("script", "Script…", "Ctrl+E", sheet("Script"))
@@ -192,6 +193,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("openScriptGuide", "Script Language Guide", "",
              guide("Script Language Guide", "script-language.md"))
         .add("openWizardGuide", "Script Wizard", "", guide("Script Wizard", "script-wizard.md"))
+        .add("openAssistantGuide", "Script Assistant", "", guide("Script Assistant", "script-assistant.md"))
         .add("openCameras", "Cameras", "", guide("Cameras", "cameras.md"))
         .add("openCameraTiming", "Camera Timing", "", guide("Camera Timing", "camera-timing.md"))
         .add("openClockAndComputer", "Clock, Computer and Voice", "",

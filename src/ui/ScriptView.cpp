@@ -326,6 +326,11 @@ void ScriptView::noteWizard(const QString& name) {
          false);
 }
 
+void ScriptView::noteAssistant() {
+    tell(QStringLiteral("The assistant's script. Rehearse it before you trust it. Undo brings yours back."),
+         false);
+}
+
 void ScriptView::bringBackUnsaved() {
     desk_.bringBackUnsavedText();
     tell(QStringLiteral("Your text is back. Save it to a file to keep it for good."), false);

@@ -94,6 +94,7 @@ public:
     Q_INVOKABLE void loadExample(const QString& file);
     /// The wizard's script has taken the place of the one before.
     void noteWizard(const QString& name);
+    void noteAssistant();
     Q_INVOKABLE void bringBackUnsaved();
     Q_INVOKABLE void setDefault(bool isDefault);
     /// Holds the script against the sky and the bodies; what is found joins the diagnostics.

@@ -5,6 +5,7 @@
 #include "ui/AnalyzerView.h"
 #include "ui/AppView.h"
 #include "ui/ArmView.h"
+#include "ui/AssistantView.h"
 #include "ui/BodyList.h"
 #include "ui/CadenceAlertView.h"
 #include "ui/CameraProfilerView.h"
@@ -104,6 +105,9 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     auto* wizard = new WizardView(rig, ports, this);
     context.setContextProperty(QStringLiteral("wizard"), wizard);
     connect(wizard, &WizardView::applied, script, &ScriptView::noteWizard);
+    auto* assistant = new AssistantView(rig, ports, *app_, this);
+    context.setContextProperty(QStringLiteral("assistant"), assistant);
+    connect(assistant, &AssistantView::loaded, script, &ScriptView::noteAssistant);
     auto* location = new LocationView(rig, ports, this);
     context.setContextProperty(QStringLiteral("location"), location);
     context.setContextProperty(QStringLiteral("horizon"), new HorizonView(rig, ports, *location, this));

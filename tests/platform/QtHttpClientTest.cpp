@@ -95,7 +95,9 @@ TEST_F(QtHttpClientTest, neitherSilenceNorADripOutlastsTheTimeLimit) {
 
 TEST_F(QtHttpClientTest, anEndlessAnswerIsCutOff) {
     request.mostBytes = 1 << 20;
-    EXPECT_EQ(ask("/endless").fault, "the answer is too long");
+    const auto reply = ask("/endless");
+    EXPECT_EQ(reply.fault, "the answer is too long");
+    EXPECT_TRUE(reply.tooLong);
 }
 
 TEST_F(QtHttpClientTest, whatIsCancelledOrOutlivedIsNotCompleted) {

@@ -27,6 +27,7 @@ Rectangle {
             Text {
                 Layout.fillWidth: true
                 text: "■ " + cameras.alarmText
+                textFormat: Text.PlainText
                 color: theme.bad
                 font.pixelSize: theme.large * 1.4
                 font.bold: true

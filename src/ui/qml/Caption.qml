@@ -13,6 +13,7 @@ Rectangle {
         id: words
         anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter; margins: 12 }
         text: "♪ " + voice.saying
+        textFormat: Text.PlainText
         color: theme.text
         font.pixelSize: parent.brief ? theme.normal : theme.large * 1.4
         font.bold: true

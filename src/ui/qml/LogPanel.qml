@@ -109,6 +109,7 @@ Rectangle {
                     id: words
                     anchors { left: mark.right; right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
                     text: entry.lineText
+                    textFormat: Text.PlainText
                     color: entry.lineState === "dropped" || entry.lineState === "warning" ? theme.warning : theme.text
                     font.family: theme.digits
                     font.pixelSize: theme.small + 1

@@ -362,6 +362,7 @@ SheetFrame {
                     }
                     Text {
                         text: diagnostic.message
+                        textFormat: Text.PlainText
                         color: theme.text
                         font.pixelSize: theme.normal
                         font.weight: theme.weight

@@ -21,6 +21,7 @@ ListView {
         height: strip.rowHeight
         leftPadding: 8
         text: statusLine
+        textFormat: Text.PlainText
         color: bodyState === "ready" ? theme.text : theme.warning
         font.family: theme.digits
         font.pixelSize: theme.normal

@@ -52,6 +52,7 @@ Rectangle {
             spacing: 4
             Text {
                 text: timeline.markText
+                textFormat: Text.PlainText
                 color: theme.text
                 font.pixelSize: panel.low ? theme.small : theme.normal
                 font.weight: theme.weight

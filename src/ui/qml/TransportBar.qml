@@ -35,6 +35,7 @@ Rectangle {
         Text {
             objectName: "nextShot"
             text: clock.nextShot
+            textFormat: Text.PlainText
             color: theme.text
             font.family: theme.digits
             font.pixelSize: theme.normal

@@ -22,6 +22,7 @@ Button {
     Keys.onEnterPressed: (event) => press(event)
     contentItem: Text {
         text: control.text
+        textFormat: Text.PlainText
         font: control.font
         color: !control.enabled ? theme.quiet : control.danger ? theme.bad : control.strong ? theme.accent : theme.text
         horizontalAlignment: Text.AlignHCenter

@@ -22,6 +22,7 @@ CheckBox {
     indicator: null
     contentItem: Text {
         text: (box.checked ? "☑ " : "☐ ") + box.text
+        textFormat: Text.PlainText
         font: box.font
         color: theme.text
         wrapMode: Text.Wrap

@@ -9,6 +9,7 @@ ToolTip {
     width: Math.min(implicitWidth, 560)
     contentItem: Text {
         text: tip.text
+        textFormat: Text.PlainText
         color: theme.text
         font.pixelSize: theme.normal
         font.weight: theme.weight
