@@ -4,6 +4,7 @@
 #include "platform/LinuxPorts.h"
 #include "platform/virtual/VirtualMachine.h"
 #include "rig/RigModel.h"
+#include "services/ServiceDesk.h"
 #include "support/TestFolders.h"
 #include "ui/AppView.h"
 #include "ui/Window.h"
@@ -68,7 +69,8 @@ int main(int argc, char** argv) {
     settings.setFlag("zenka.welcomeSeen", true);
     platform::LinuxPorts machine(settings, folders);
     rig::RigModel rig(machine.all, "0");
-    ui::Window window(rig, machine.all, QStringLiteral("0"));
+    services::ServiceDesk services(machine.all, machine.names, rig, "0");
+    ui::Window window(rig, machine.all, services, QStringLiteral("0"));
     if (!window.show())
         return 1;
 

@@ -13,6 +13,7 @@
 #include "rig/SettingsKeys.h"
 #include "rig/SonyFamily.h"
 #include "services/ModelStatsFetch.h"
+#include "services/ServiceDesk.h"
 #include "services/UpdateCheck.h"
 #include "ui/Window.h"
 
@@ -61,6 +62,11 @@ int runWindow(int argc, char** argv) {
     platform::LinuxPorts machine(settings, folders);
     daemons.emplace(machine.processes, machine.queues);
     std::function<void(const std::string&)> log = [](const std::string&) {};
+    std::function<void(const std::string&, const cameras::DriverMachine::Fields&)> report;
+    const auto tell = [&report](const std::string& event, const cameras::DriverMachine::Fields& fields) {
+        if (report)
+            report(event, fields);
+    };
     gphoto2.emplace(
         cameras::GPhoto2Machine{.children = machine.children,
                                 .daemons = *daemons,
@@ -71,10 +77,11 @@ int runWindow(int argc, char** argv) {
                                 .folders = folders,
                                 .files = machine.files,
                                 .programFolder = QCoreApplication::applicationDirPath().toStdString(),
-                                .warn = [&log](const std::string& words) { log(words); }});
+                                .warn = [&log](const std::string& words) { log(words); },
+                                .report = tell});
     mainThread.emplace(machine.loop);
-    drivers.emplace(
-        cameras::DriverMachine{.queues = machine.queues, .loop = machine.loop, .clock = machine.clock});
+    drivers.emplace(cameras::DriverMachine{
+        .queues = machine.queues, .loop = machine.loop, .clock = machine.clock, .report = tell});
     canon.emplace(cameras::CanonMachine{
         .driver = *drivers,
         .libraries = machine.libraries,
@@ -100,6 +107,8 @@ int runWindow(int argc, char** argv) {
     rig::RigModel rig(machine.all, ZENKA_VERSION, families);
     // On every way out: from then on this thread waits for others, and nobody is to wait for it.
     const std::shared_ptr<void> atTheEnd(nullptr, [&mainThread](void*) { mainThread->close(); });
+    services::ServiceDesk services(machine.all, machine.names, rig, ZENKA_VERSION);
+    report = [&services](const auto& event, const auto& fields) { services.report(event, fields); };
     services::ModelStatsFetch statistics(machine.all, gphoto2->modelStats());
     statistics.primeModelStats();
     rig.time().checkClockSkew();
@@ -109,7 +118,7 @@ int runWindow(int argc, char** argv) {
         rig.heldSessions().lookForGone();
     });
     const platform::QuitSignals quitSignals([] { QGuiApplication::exit(0); });
-    ui::Window window(rig, machine.all, QStringLiteral(ZENKA_VERSION));
+    ui::Window window(rig, machine.all, services, QStringLiteral(ZENKA_VERSION));
     if (const auto damage = settings.damage())
         rig.log().pushLog("⚠️ " + *damage);
     if (!window.show())
@@ -120,6 +129,7 @@ int runWindow(int argc, char** argv) {
     rig.handleAppWillTerminate();
     canon->releaseSDK();
     log = [](const std::string&) {};
+    report = nullptr;
     return status;
 }
 

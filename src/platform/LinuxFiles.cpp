@@ -185,6 +185,17 @@ std::unique_ptr<ports::AppendFile> LinuxFiles::create(const fs::path& path, std:
     return std::make_unique<LinuxAppendFile>(std::move(handle));
 }
 
+std::unique_ptr<ports::AppendFile> LinuxFiles::openForAppending(const fs::path& path) {
+    if (!makeFolder(folderOf(path)))
+        return nullptr;
+    Descriptor handle(
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600));
+    struct stat status {};
+    if (!handle || ::fstat(handle.get(), &status) != 0 || !S_ISREG(status.st_mode))
+        return nullptr;
+    return std::make_unique<LinuxAppendFile>(std::move(handle));
+}
+
 std::vector<std::string> LinuxFiles::namesIn(const fs::path& folder) {
     std::vector<std::string> names;
     std::error_code fault;

@@ -21,6 +21,8 @@ public:
     std::unique_ptr<ports::AppendFile> create(const std::filesystem::path& path,
                                               std::string_view bytes) override;
 
+    std::unique_ptr<ports::AppendFile> openForAppending(const std::filesystem::path& path) override;
+
     std::vector<std::string> namesIn(const std::filesystem::path& folder) override;
     bool exists(const std::filesystem::path& path) override;
     void remove(const std::filesystem::path& path) override;

@@ -8,6 +8,7 @@
 #include "platform/LinuxFiles.h"
 #include "platform/LinuxFireTimer.h"
 #include "platform/LinuxKeepAwake.h"
+#include "platform/LinuxMachineNames.h"
 #include "platform/LinuxMachineSensors.h"
 #include "platform/LinuxProcessTable.h"
 #include "platform/LinuxSerialPorts.h"
@@ -51,6 +52,7 @@ public:
     QtHttpClient http{loop};
     LinuxSerialPorts serialPorts;
     LinuxMachineSensors sensors{clock};
+    LinuxMachineNames names;
     SpeechDispatcher speech{loop};
     CanberraSounds sounds{loop};
     PulseOutput audio;

@@ -34,6 +34,10 @@ public:
     /// Nothing when the name is taken (the file there stays as it is) or the file cannot be made.
     virtual std::unique_ptr<AppendFile> create(const std::filesystem::path& path, std::string_view bytes) = 0;
 
+    /// Opens a file for appending. One that is not there is made, with missing folders, readable by the user
+    /// alone. Nothing when it can be neither opened nor made.
+    virtual std::unique_ptr<AppendFile> openForAppending(const std::filesystem::path& path) = 0;
+
     /// The names of the regular files of a folder, ascending; none when it cannot be listed.
     virtual std::vector<std::string> namesIn(const std::filesystem::path& folder) = 0;
 

@@ -4,6 +4,7 @@
 #include "ports/UsbBus.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -104,6 +105,10 @@ public:
 
     /// Its look at the bus has never come back: what the operator can do; empty else. Any thread.
     virtual std::string stuckAdvice() const { return {}; }
+
+    /// What its last looks at the bus came to, in the maker's words, each under the name that reports have
+    /// for it. It does not wait. Any thread.
+    virtual std::map<std::string, std::string> reportFacts() const { return {}; }
 
     /// Counted: as long as anybody holds them off, the desktop's camera services are kept away from its
     /// bodies. Neither waits.

@@ -106,6 +106,12 @@ void CanonFamily::report(const std::string& event, cameras::DriverMachine::Field
     driver.loop.post([&driver, event, fields = std::move(fields)] { driver.report(event, fields); });
 }
 
+std::map<std::string, std::string> CanonFamily::reportFacts() const {
+    std::string diag = lastCanonDiag();
+    return diag.empty() ? std::map<std::string, std::string>()
+                        : std::map<std::string, std::string>{{"canon_detect", std::move(diag)}};
+}
+
 std::string CanonFamily::lastCanonDiag() const {
     const std::lock_guard lock(mutex_);
     return lastCanonDiag_;

@@ -25,6 +25,8 @@ public:
     /// Those whose session the body has ended, and all when no Canon is on the bus.
     std::vector<std::string> goneFromBus(const std::vector<HeldBody>& held) override;
 
+    std::map<std::string, std::string> reportFacts() const override;
+
     /// The bridge's words at the last detection, for reports. Any thread.
     std::string lastCanonDiag() const;
 

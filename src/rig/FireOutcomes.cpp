@@ -175,6 +175,7 @@ void FireOutcomes::checkSentShutterMatches(double asked, const std::string& sent
                                                 camera, exposure::shutterLabel(asked), sent, stops);
     log_.pushLog("⚠️ SHUTTER MISMATCH. " + message);
     shutterMismatchWarning_.set(message);
+    shutterDiverged_.emit({.camera = camera, .asked = asked, .sent = sent, .stops = stops});
 }
 
 void FireOutcomes::reset(int pastCaptures) {

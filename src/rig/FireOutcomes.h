@@ -71,6 +71,15 @@ public:
         return shutterMismatchWarning_;
     }
 
+    /// What was sent to a body is not what the script asked for; told once a body and run.
+    struct ShutterDivergence {
+        std::string camera; ///< its label
+        double asked = 0;   ///< seconds
+        std::string sent;   ///< in the body's words
+        double stops = 0;   ///< that lie between, never negative
+    };
+    sigc::signal<void(const ShutterDivergence&)>& shutterDiverged() { return shutterDiverged_; }
+
     /// A counter or a last result changed.
     sigc::signal<void()>& changed() { return changed_; }
     /// results() has something new for a camera token and a Capture::seq.
@@ -105,6 +114,7 @@ private:
     std::map<std::string, double> lastFireSuccess_; // by camera id, continuous seconds, real bodies
     std::set<std::string> shutterDivergenceWarned_; // camera labels
     base::Published<std::optional<std::string>> shutterMismatchWarning_;
+    sigc::signal<void(const ShutterDivergence&)> shutterDiverged_;
     sigc::signal<void()> changed_;
     sigc::signal<void(const std::string&, int)> resultNoted_;
     sigc::signal<void()> resultsCleared_;

@@ -3,7 +3,6 @@
 #include "base/Text.h"
 #include "rig/SettingsKeys.h"
 
-#include <absl/strings/str_format.h>
 #include <nlohmann/json.hpp>
 
 #include <array>
@@ -86,9 +85,9 @@ void MeasuredFloors::saveFloor(const char* prefix, const std::string& model, dou
     if (!isMeasurement(floorSec))
         return;
     settings_.setNumber(prefix + model, floorSec);
-    report(
-        "profile",
-        {{"model", model}, {"floor_ms", absl::StrFormat("%.0f", floorSec * 1000)}, {"settings", settings}});
+    report("profile", {{"model", model},
+                       {"floor_ms", static_cast<std::int64_t>(std::llround(floorSec * 1000))},
+                       {"settings", settings}});
 }
 
 void MeasuredFloors::saveMeasuredFloor(const std::string& model, double floorSec, bool same) {
@@ -105,9 +104,8 @@ void MeasuredFloors::saveBurstDepth(const std::string& model, int cleanFrames, d
         return;
     settings_.setNumber(keys::burstDepthPrefix + model, cleanFrames);
     settings_.setNumber(keys::burstCadencePrefix + model, cadenceSec);
-    report("profile", {{"model", model},
-                       {"burst_frames", std::to_string(cleanFrames)},
-                       {"burst_cadence", base::plainNumber(cadenceSec)}});
+    report("profile",
+           {{"model", model}, {"burst_frames", std::int64_t{cleanFrames}}, {"burst_cadence", cadenceSec}});
 }
 
 void MeasuredFloors::saveLongFrameFloor(const std::string& model, double shutterSec, double cadenceSec,
@@ -117,9 +115,9 @@ void MeasuredFloors::saveLongFrameFloor(const std::string& model, double shutter
     settings_.setText(keys::longFrameFloorPrefix + model,
                       Json{{"shutter", shutterSec}, {"cadence", cadenceSec}, {"held", held}}.dump());
     report("profile", {{"model", model},
-                       {"long_shutter_s", base::plainNumber(shutterSec)},
-                       {"long_cadence", base::plainNumber(cadenceSec)},
-                       {"long_held", held ? "true" : "false"}});
+                       {"long_shutter_s", shutterSec},
+                       {"long_cadence", cadenceSec},
+                       {"long_held", held}});
 }
 
 void MeasuredFloors::discard(const std::function<bool(const std::string& model)>& wanted) {

@@ -2,10 +2,12 @@
 
 #include "ports/Settings.h"
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
+#include <variant>
 
 namespace zenka::rig {
 
@@ -52,7 +54,8 @@ public:
     /// trigger than is used now.
     void discardOlympusTriggerEraMeasurements();
 
-    using Fields = std::map<std::string, std::string>;
+    using Field = std::variant<std::string, std::int64_t, double, bool>;
+    using Fields = std::map<std::string, Field>;
     /// An event worth reporting.
     std::function<void(const std::string& event, const Fields& fields)> report = [](const std::string&,
                                                                                     const Fields&) {};

@@ -117,6 +117,12 @@ void RigModel::connectWatches() {
 
 void RigModel::connectProfilers(const CameraDetector::Families& families) {
     transport_.setArmCheck([this] { return cadence_.holdsArming(); });
+    logbook_.setMoreFacts([this, families] {
+        std::map<std::string, std::string> facts{{"thermal", wordOf(health_.thermalState().get())}};
+        for (const auto& family : families)
+            facts.merge(family->reportFacts());
+        return facts;
+    });
     // What explains the drops of a run is read before its card is asked for.
     cadence_.explained().connect([this] { analyzer_.runCompleted(); });
     logbook_.completed().connect([this](const std::vector<BodyTally>& bodies) {

@@ -298,7 +298,7 @@ void RunAnalyzer::cancel() {
     state_.set({});
 }
 
-void RunAnalyzer::sendReport(const std::string& note) {
+void RunAnalyzer::sendReport(const std::string& note, const std::string& email) {
     if (state_.get().step != Step::verdict)
         return;
     if (toSend_.empty()) {
@@ -307,8 +307,21 @@ void RunAnalyzer::sendReport(const std::string& note) {
         return keepLocal();
     }
     const auto job = std::move(job_);
+    sent_ = {.job = job, .verdict = state_.get()};
+    sent_.verdict.note = note;
+    sent_.verdict.email = email;
     state_.set({});
-    toSend_.emit({.result = job->result, .html = job->html, .note = note});
+    toSend_.emit({.result = job->result, .html = job->html, .note = note, .email = email});
+}
+
+void RunAnalyzer::sendFailed(const std::string& why) {
+    if (!sent_.job || state_.get().step != Step::idle || transport_.runActive())
+        return;
+    job_ = std::move(sent_.job);
+    AnalyzerState verdict = std::move(sent_.verdict);
+    sent_ = {};
+    verdict.sendFault = why;
+    state_.set(std::move(verdict));
 }
 
 void RunAnalyzer::keepLocal() {

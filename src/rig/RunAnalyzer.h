@@ -43,6 +43,10 @@ struct AnalyzerState {
     int filesFound = 0;
     bool pass = false;            ///< of the verdict
     std::filesystem::path report; ///< of the verdict; empty when it could not be written
+    /// Of a verdict whose report could not be sent: why, a sentence, and what was to go with it.
+    std::string sendFault;
+    std::string note;
+    std::string email;
 
     friend bool operator==(const AnalyzerState&, const AnalyzerState&) = default;
 };
@@ -80,8 +84,11 @@ public:
     void followRun();
 
     /// The verdict's two ends.
-    void sendReport(const std::string& note);
+    void sendReport(const std::string& note, const std::string& email = {});
     void keepLocal();
+    /// The report sent last has not arrived: its verdict comes back with what was typed, unless something
+    /// else has begun.
+    void sendFailed(const std::string& why);
 
     /// A report that was written, to be opened.
     sigc::signal<void(const std::filesystem::path&)>& reportWritten() { return reportWritten_; }
@@ -91,12 +98,18 @@ public:
         analysis::AnalysisResult result;
         std::string html;
         std::string note;
+        std::string email; ///< for an answer; empty when none was given
     };
     /// A report is to be sent. Nobody hears it while no service is set up.
     sigc::signal<void(const Outgoing&)>& toSend() { return toSend_; }
 
 private:
     struct Job; // what a comparison works on, off the main thread
+    /// A verdict whose report is on its way.
+    struct Sent {
+        std::shared_ptr<Job> job;
+        AnalyzerState verdict;
+    };
 
     void cardInserted(const std::filesystem::path& dcim);
     bool mayOffer() const;
@@ -125,6 +138,7 @@ private:
     bool pendingAnalyzeOffer_ = false;
     CardWatch::Cards found_; // of pickCard
     std::shared_ptr<Job> job_;
+    Sent sent_;
     sigc::signal<void(const std::filesystem::path&)> reportWritten_;
     sigc::signal<void(const Outgoing&)> toSend_;
     base::Lifeline lifeline_;

@@ -3,6 +3,7 @@
 #include "base/CivilTime.h"
 
 #include <absl/strings/str_format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <set>
@@ -96,7 +97,7 @@ void RunLogbook::endRunLog(bool completed, bool) {
     const auto asymmetry = dropAsymmetryHint(bodies);
     if (asymmetry)
         log_.pushLog("⚠️ " + *asymmetry);
-    reportStoredFrames();
+    tell(completed, bodies, asymmetry, reportStoredFrames());
     if (completed)
         sumUp(asymmetry);
     if (completed && !bodies.empty())
@@ -149,7 +150,44 @@ void RunLogbook::watchCardWriting(const cameras::CameraControl& camera, const st
                         label, lag, tally->fired, tally->stored));
 }
 
-void RunLogbook::reportStoredFrames() {
+void RunLogbook::tell(bool completed, const std::vector<BodyTally>& bodies,
+                      const std::optional<std::string>& asymmetry,
+                      const std::vector<std::string>& lumixLines) {
+    int ok = 0;
+    int dropped = 0;
+    for (const BodyTally& body : bodies) {
+        ok += body.ok;
+        dropped += body.dropped;
+    }
+    std::set<std::string> backends;
+    std::multiset<std::string> models;
+    for (const auto& camera : roster_.cameras()) {
+        if (!camera->isReal())
+            continue;
+        backends.insert(camera->backend());
+        models.insert(camera->model());
+    }
+    nlohmann::json told{{"kind", currentRunKind_},
+                        {"complete", completed},
+                        {"bodies", bodies.size()},
+                        {"frames", ok + dropped},
+                        {"ok", ok},
+                        {"dropped", dropped},
+                        {"drop_rate", static_cast<double>(dropped) / std::max(ok + dropped, 1)},
+                        {"backends", backends},
+                        {"models", models},
+                        {"asymmetry", asymmetry.value_or("")}};
+    if (!lumixLines.empty())
+        told["confirm_lumix"] = lumixLines;
+    if (moreFacts_) {
+        for (const auto& [key, fact] : moreFacts_())
+            told[key] = fact;
+    }
+    runTold_.emit(told.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+std::vector<std::string> RunLogbook::reportStoredFrames() {
+    std::vector<std::string> lumixLines;
     for (const auto& camera : roster_.cameras()) {
         const auto tally = storedTally(*camera);
         if (!tally || tally->fired <= 0)
@@ -162,7 +200,10 @@ void RunLogbook::reportStoredFrames() {
             line += absl::StrFormat(" · %d UNCONFIRMED (still writing, or silently lost — check the card)",
                                     missing);
         log_.pushLog((missing > 0 ? "⚠️ " : "✓ ") + line);
+        if (camera->backend() == "LumixPTP")
+            lumixLines.push_back(std::move(line));
     }
+    return lumixLines;
 }
 
 void RunLogbook::sumUp(const std::optional<std::string>& asymmetry) {

@@ -10,10 +10,12 @@
 #include "rig/RunLog.h"
 #include "rig/SiteDesk.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zenka::rig {
@@ -72,6 +74,13 @@ public:
     /// A run was completed in which real bodies fired: how each of them did, by its label.
     sigc::signal<void(const std::vector<BodyTally>&)>& completed() { return completed_; }
 
+    /// What the program has to tell of a run that is over, complete or not: a JSON object.
+    sigc::signal<void(const std::string&)>& runTold() { return runTold_; }
+    /// Where that gets what this object does not know, each under its key.
+    void setMoreFacts(std::function<std::map<std::string, std::string>()> facts) {
+        moreFacts_ = std::move(facts);
+    }
+
     RunLogMeta makeRunMeta(const std::string& kind) const;
 
 private:
@@ -81,7 +90,10 @@ private:
     };
 
     std::string freshBaseName(const RunLogMeta& meta);
-    void reportStoredFrames();
+    /// The lines for bodies on the LUMIX link.
+    std::vector<std::string> reportStoredFrames();
+    void tell(bool completed, const std::vector<BodyTally>& bodies,
+              const std::optional<std::string>& asymmetry, const std::vector<std::string>& lumixLines);
     void sumUp(const std::optional<std::string>& asymmetry);
 
     const ports::Ports& ports_;
@@ -102,6 +114,8 @@ private:
     LatenessMeter lateness_;
     base::Published<std::optional<RunSummary>> pendingSurvey_;
     sigc::signal<void(const std::vector<BodyTally>&)> completed_;
+    sigc::signal<void(const std::string&)> runTold_;
+    std::function<std::map<std::string, std::string>()> moreFacts_;
 };
 
 } // namespace zenka::rig

@@ -180,6 +180,17 @@ std::string SonyFamily::lastSonyDiag() const {
     return lastSonyDiag_;
 }
 
+std::map<std::string, std::string> SonyFamily::reportFacts() const {
+    std::string diag = lastSonyDiag();
+    if (diag.empty())
+        return {}; // it has looked for none
+    if (const auto fire = cameras::zenka_sony_last_fire_error(); fire != 0)
+        diag += absl::StrFormat(" fire=0x%04x", fire);
+    if (const auto code = cameras::zenka_sony_last_callback_error(); code != 0)
+        diag += absl::StrFormat(" cb=0x%04x (%s)", code, cameras::SonyCRSDK::callbackErrorName(code));
+    return {{"sony_detect", std::move(diag)}};
+}
+
 std::string SonyFamily::stuckAdvice() const {
     return cameras::SonyCRSDK::enumerateWedged() ? stuck : "";
 }

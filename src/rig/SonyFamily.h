@@ -47,6 +47,8 @@ public:
     std::vector<std::string> goneFromBus(const std::vector<HeldBody>& held) override;
     std::string stuckAdvice() const override;
     void holdServicesOff() override { machine_.daemons.startDaemonSuppressor(); }
+    /// With the codes of the last fault of a fire and of the link, where there was one.
+    std::map<std::string, std::string> reportFacts() const override;
     void letServicesOn() override { machine_.daemons.stopDaemonSuppressor(); }
 
     /// What the last look at the bus came to, in the SDK's own words, for reports. Any thread.

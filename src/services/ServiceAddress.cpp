@@ -13,4 +13,10 @@ std::string serviceAddress(const ports::Settings& settings, std::string_view pat
     return host + std::string(path);
 }
 
+std::string serviceHostName(const ports::Settings& settings) {
+    const std::string address = serviceAddress(settings, "");
+    const auto name = address.find("//");
+    return name == std::string::npos ? std::string() : address.substr(name + 2);
+}
+
 } // namespace zenka::services

@@ -43,6 +43,8 @@ void AnalyzerView::stateChanged() {
     Q_EMIT progressed();
     if (step != Step::verdict)
         setNote({});
+    else if (!state().note.empty())
+        setNote(qt(state().note)); // of a report that could not be sent
     if (step == Step::idle && sheetOpen_)
         app_.openSheet({});
     soon();
@@ -147,6 +149,10 @@ bool AnalyzerView::canSend() const {
     return !rig_.analyzer().toSend().empty();
 }
 
+QString AnalyzerView::sendFault() const {
+    return qt(state().sendFault);
+}
+
 void AnalyzerView::setNote(const QString& note) {
     if (note_ == note)
         return;
@@ -181,9 +187,9 @@ void AnalyzerView::choose(int choice) {
     rig_.analyzer().choose(choice);
 }
 
-void AnalyzerView::sendReport() {
+void AnalyzerView::sendReport(const QString& email) {
     if (canSend())
-        rig_.analyzer().sendReport(note_.toStdString());
+        rig_.analyzer().sendReport(note_.toStdString(), email.trimmed().toStdString());
 }
 
 void AnalyzerView::keepLocal() {

@@ -37,6 +37,8 @@ class AnalyzerView : public QObject {
     Q_PROPERTY(bool hasReport READ hasReport NOTIFY changed)
     /// Somebody is there to whom a report can be sent.
     Q_PROPERTY(bool canSend READ canSend NOTIFY changed)
+    /// Why the report could not be sent; empty when nobody has tried.
+    Q_PROPERTY(QString sendFault READ sendFault NOTIFY changed)
     /// What is typed to go with the report.
     Q_PROPERTY(QString note READ note WRITE setNote NOTIFY noteChanged)
     /// Where a folder is looked for.
@@ -60,6 +62,7 @@ public:
     bool pass() const;
     bool hasReport() const;
     bool canSend() const;
+    QString sendFault() const;
     const QString& note() const { return note_; }
     void setNote(const QString& note);
     QUrl folder() const;
@@ -68,7 +71,8 @@ public:
     Q_INVOKABLE void analyze();
     Q_INVOKABLE void analyzeFolder(const QUrl& folder);
     Q_INVOKABLE void choose(int choice);
-    Q_INVOKABLE void sendReport();
+    /// With an address for an answer, or without.
+    Q_INVOKABLE void sendReport(const QString& email);
     Q_INVOKABLE void keepLocal();
     /// Opens the report once more.
     Q_INVOKABLE void openReport();

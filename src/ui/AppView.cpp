@@ -96,6 +96,10 @@ void AppView::quit() {
     QCoreApplication::exit(0); // quit() would ask the window first
 }
 
+void AppView::reportBug() {
+    openSheet(feedbackGoesOut_() ? QStringLiteral("Feedback") : QStringLiteral("ReportBug"));
+}
+
 void AppView::openGuide(const QString& title, const QString& page) {
     guidePage_ = title;
     guideFile_ = page;

@@ -4,6 +4,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+#include <utility>
+
 namespace zenka::rig {
 class RigModel;
 }
@@ -42,6 +45,9 @@ public:
     Q_INVOKABLE bool mayClose();
     /// Opens a sheet that leads back to the one that is open now.
     Q_INVOKABLE void openPage(const QString& name);
+    /// Opens the message to the makers where it can be sent, else the facts to be copied.
+    void reportBug();
+    void setFeedbackGoesOut(std::function<bool()> goesOut) { feedbackGoesOut_ = std::move(goesOut); }
     /// Opens a page of the documents that are built in.
     void openGuide(const QString& title, const QString& page);
     /// Opens the list of keys, headed by those of the place that one is in.
@@ -87,6 +93,7 @@ private:
     QString guidePage_;
     QString guideFile_;
     bool typing_ = false;
+    std::function<bool()> feedbackGoesOut_ = [] { return false; };
 };
 
 } // namespace zenka::ui

@@ -110,7 +110,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("about", "About Zenka", "", sheet("About"))
         .add("checkForUpdates", "Check for Updates…", "", sheet("Updates"))
         .add("openSettings", "Settings…", "Ctrl+,", sheet("Settings"))
-        .add("reportBug", "Report a Bug…", "", sheet("ReportBug"))
+        .add("reportBug", "Report a Bug…", "", [&app] { app.reportBug(); })
         .add("hide", "Hide Zenka", "Ctrl+H", [window] { window()->showMinimized(); })
         .add("quit", "Quit Zenka", "Ctrl+Q", [&app] { app.askToQuit(); });
 
@@ -200,6 +200,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
              guide("Clock, Computer and Voice", "clock-and-computer.md"))
         .add("openRunAnalysis", "What Reached the Card", "",
              guide("What Reached the Card", "run-analysis.md"))
+        .add("openPrivacy", "What Zenka Sends", "", guide("What Zenka Sends", "privacy.md"))
         .add("openFeatures", "Features & Roadmap", "", guide("Features & Roadmap", "roadmap.md"))
         .add("showKeys", "Keys", "F1", [&app, window] { app.openKeys(keysOf(window()->activeFocusItem())); });
 }

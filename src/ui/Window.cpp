@@ -2,6 +2,7 @@
 
 #include "ports/Ports.h"
 #include "rig/RigModel.h"
+#include "services/ServiceDesk.h"
 #include "ui/AnalyzerView.h"
 #include "ui/AppView.h"
 #include "ui/ArmView.h"
@@ -18,6 +19,7 @@
 #include "ui/CompensationView.h"
 #include "ui/EclipseList.h"
 #include "ui/EditTarget.h"
+#include "ui/FeedbackView.h"
 #include "ui/GapProfilerView.h"
 #include "ui/HealthView.h"
 #include "ui/HorizonItem.h"
@@ -28,7 +30,9 @@
 #include "ui/NightPointer.h"
 #include "ui/NightSwitch.h"
 #include "ui/PreflightView.h"
+#include "ui/ProfilePostView.h"
 #include "ui/ScriptView.h"
+#include "ui/ServiceView.h"
 #include "ui/SkyItem.h"
 #include "ui/SkyView.h"
 #include "ui/TestShotView.h"
@@ -58,9 +62,11 @@ static void initResources() {
 
 namespace zenka::ui {
 
-Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& version)
-    : rig_(rig), openUrl_(QDesktopServices::openUrl), app_(new AppView(rig, version, this)),
-      commands_(new Commands(this)), edit_(new EditTarget(this)), engine_(new QQmlApplicationEngine) {
+Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceDesk& services,
+               const QString& version)
+    : rig_(rig), services_(services), openUrl_(QDesktopServices::openUrl),
+      app_(new AppView(rig, version, this)), commands_(new Commands(this)), edit_(new EditTarget(this)),
+      engine_(new QQmlApplicationEngine) {
     initResources();
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     theme_ = new Theme(ports.settings, this);
@@ -124,6 +130,10 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, const QString& ver
     context.setContextProperty(QStringLiteral("compensation"), new CompensationView(rig, this));
     context.setContextProperty(QStringLiteral("compRules"), new CompRulesView(rig, this));
     context.setContextProperty(QStringLiteral("updates"), new UpdatesView(ports, version, this));
+    app_->setFeedbackGoesOut([&services] { return !services.host()->empty(); });
+    context.setContextProperty(QStringLiteral("service"), new ServiceView(services, rig, *app_, this));
+    context.setContextProperty(QStringLiteral("feedback"), new FeedbackView(services, *app_, this));
+    context.setContextProperty(QStringLiteral("profilePost"), new ProfilePostView(services, rig, this));
     context.setContextProperty(QStringLiteral("log"), new LogView(rig, this));
 }
 
@@ -148,6 +158,7 @@ bool Window::show() {
     window->show();
     window->requestActivate();
     rig_.bootstrap();
+    services_.start();
     return true;
 }
 

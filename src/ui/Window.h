@@ -17,6 +17,10 @@ namespace zenka::ports {
 struct Ports;
 }
 
+namespace zenka::services {
+class ServiceDesk;
+}
+
 namespace zenka::ui {
 
 class AppView;
@@ -25,12 +29,13 @@ class EditTarget;
 class Theme;
 
 /// The one window: its view models, its commands, and the QML that shows them. Made behind a
-/// QGuiApplication; the rig and the ports outlive it.
+/// QGuiApplication; the rig, the services and the ports outlive it.
 class Window : public QObject {
     Q_OBJECT
 
 public:
-    Window(rig::RigModel& rig, const ports::Ports& ports, const QString& version);
+    Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceDesk& services,
+           const QString& version);
     ~Window() override;
 
     /// Shows the window; false, with the reason on the error stream, when its QML cannot be loaded. The
@@ -48,6 +53,7 @@ public:
 
 private:
     rig::RigModel& rig_;
+    services::ServiceDesk& services_;
     std::function<void(const QUrl&)> openUrl_;
     AppView* app_ = nullptr;
     Commands* commands_ = nullptr;

@@ -118,6 +118,23 @@ TEST_F(LinuxFilesTest, whatCannotBeReadOrWrittenIsSaidSoAndLeavesNothing) {
     EXPECT_FALSE(files_.writeAtomically("/dev/full/x", "y"));
 }
 
+TEST_F(LinuxFilesTest, aFileOpenedForAppendingGoesOnAndANewOneIsForTheUserAlone) {
+    const fs::path path = scratch_.path() / "new folder" / "spool";
+    for (const char* line : {"one\n", "two\n"}) {
+        const auto file = files_.openForAppending(path);
+        ASSERT_TRUE(file);
+        EXPECT_TRUE(file->append(line));
+    }
+    EXPECT_EQ(files_.read(path), "one\ntwo\n");
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0600));
+    ASSERT_TRUE(files_.writeAtomically(path, "two\n"));
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0600)) << "also when it is written anew";
+    EXPECT_FALSE(files_.openForAppending(scratch_.path()));
+    EXPECT_FALSE(files_.openForAppending(path / "below a file"));
+    ASSERT_EQ(::mkfifo((scratch_.path() / "pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(files_.openForAppending(scratch_.path() / "pipe")) << "nobody reads it";
+}
+
 TEST_F(LinuxFilesTest, aKilledProcessKeepsEveryRowItAppended) {
     const fs::path path = scratch_.path() / "rows";
     Child child(test::childJob({"append-rows", path.string()}));

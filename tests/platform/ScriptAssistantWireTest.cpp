@@ -44,6 +44,7 @@ protected:
                              machine.places,
                              client,
                              machine.images,
+                             machine.pixels,
                              machine.volumes,
                              machine.children,
                              machine.serialPorts,

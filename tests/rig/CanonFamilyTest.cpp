@@ -104,6 +104,7 @@ TEST_F(CanonFamilyTest, aCanonThatCannotBeClaimedGoesToTheUniversalDriverWithThe
     EXPECT_THAT(detected(), ElementsAre("Nikon Z 8 6001 gphoto2"));
     EXPECT_TRUE(rig.logged("the native driver could not claim it (the computer grabbed the body first)"));
     EXPECT_EQ(canon->lastCanonDiag(), "OpenSession err=0xc0");
+    EXPECT_EQ(canon->reportFacts().at("canon_detect"), "OpenSession err=0xc0");
 
     rig.machine.settings.setFlag(rig::settingsKeys::canonNativeDriver, false);
     fake.calls.clear();

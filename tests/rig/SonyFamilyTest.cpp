@@ -123,6 +123,17 @@ TEST_F(SonyFamilyTest, aSonyLeftToTheUniversalDriverIsExplained) {
     fallsBackWith("but couldn't open a control session (connect failed).");
     EXPECT_THAT(rig.model.detector().sonyFallbackReason().get(), testing::HasSubstr("(connect failed)"));
     EXPECT_EQ(family->lastSonyDiag(), "connect of ILCE-7M4 failed, last callback error none");
+    EXPECT_THAT(family->reportFacts().at("sony_detect"), testing::StartsWith(family->lastSonyDiag()));
+}
+
+TEST_F(SonyFamilyTest, theCodesThatTheBridgeHasRecordedGoIntoTheReportOfARun) {
+    plugIn("Sony Alpha-A7 IV", "USB1");
+    sdk.bodies = {{.model = "ILCE-7M4", .id = {0xAB}, .fireError = 0x8207}};
+    detect();
+    rig.model.roster().cameras()[0]->capture({.iso = 100, .shutterSec = 0.01}, [](const auto&) {});
+    rig.run(5);
+    EXPECT_THAT(family->reportFacts().at("sony_detect"),
+                testing::StartsWith("enumerated 1 camera(s) fire=0x8207"));
 }
 
 TEST_F(SonyFamilyTest, aCancelledPassLetsGoOfWhatItHasConnected) {

@@ -15,6 +15,7 @@ class MemoryFiles final : public ports::Files {
 public:
     std::map<std::filesystem::path, std::string> contents;
     bool broken = false; ///< every write fails from now on
+    int wholeWrites = 0; ///< files that were written anew
 
     std::optional<std::string> read(const std::filesystem::path& path) override {
         const auto found = contents.find(path);
@@ -25,6 +26,7 @@ public:
         if (broken)
             return false;
         contents[path] = bytes;
+        ++wholeWrites;
         return true;
     }
 
@@ -33,6 +35,13 @@ public:
         if (broken || contents.contains(path))
             return nullptr;
         contents[path] = bytes;
+        return std::make_unique<Appender>(*this, path);
+    }
+
+    std::unique_ptr<ports::AppendFile> openForAppending(const std::filesystem::path& path) override {
+        if (broken)
+            return nullptr;
+        contents.try_emplace(path);
         return std::make_unique<Appender>(*this, path);
     }
 

@@ -35,10 +35,11 @@ void visit(QQuickItem* item, const std::function<void(QQuickItem*)>& visitor) {
 
 } // namespace
 
-DrivenWindow::DrivenWindow(VirtualRig& driven) {
+DrivenWindow::DrivenWindow(VirtualRig& driven) : services_(driven.machine.all, names_, driven.model, "9.9") {
     warnings.clear();
     qInstallMessageHandler(noteWarning);
-    window_ = std::make_unique<ui::Window>(driven.model, driven.machine.all, QStringLiteral("9.9"));
+    window_ =
+        std::make_unique<ui::Window>(driven.model, driven.machine.all, services_, QStringLiteral("9.9"));
 }
 
 DrivenWindow::~DrivenWindow() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "services/ServiceDesk.h"
+#include "support/ToldNames.h"
 #include "support/VirtualRig.h"
 #include "ui/Window.h"
 
@@ -30,6 +32,8 @@ public:
     ui::Window& operator*() const { return *window_; }
     ui::Window* operator->() const { return window_.get(); }
     QQuickWindow& screen() const { return *window_->quickWindow(); }
+
+    services::ServiceDesk& services() { return services_; }
 
     /// Lets everything come to rest that needs no clock.
     static void settle();
@@ -63,6 +67,8 @@ public:
     }
 
 private:
+    ToldNames names_;
+    services::ServiceDesk services_;
     std::unique_ptr<ui::Window> window_;
 };
 

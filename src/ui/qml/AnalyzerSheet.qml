@@ -154,7 +154,7 @@ SheetFrame {
             visible: sheet.step === "verdict"
             enabled: analyzer.canSend
             text: "Send report"
-            onClicked: analyzer.sendReport()
+            onClicked: analyzer.sendReport(service.email)
         }
         ZButton {
             id: keepButton

@@ -56,10 +56,19 @@ ColumnLayout {
         }
     }
     ZLabel {
+        objectName: "sendFault"
+        Layout.fillWidth: true
+        visible: text !== ""
+        text: analyzer.sendFault === "" ? "" : "✖ " + analyzer.sendFault
+        color: theme.bad
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: text
+    }
+    ZLabel {
         objectName: "nobodyToSendTo"
         Layout.fillWidth: true
-        visible: !analyzer.canSend
-        text: "No service is set up that a report could be sent to: it stays on this computer."
+        text: analyzer.canSend ? "Send report sends the page, its numbers, your note and your email to " + service.host + "."
+            : "No service is set up that a report could be sent to: it stays on this computer."
         color: theme.quiet
     }
     ScrollView {
@@ -77,4 +86,5 @@ ColumnLayout {
             Accessible.name: "Note to the report"
         }
     }
+    EmailField { objectName: "reportEmail"; Layout.fillWidth: true; visible: analyzer.canSend }
 }

@@ -92,6 +92,7 @@ SheetFrame {
                     onDecided: (text) => cameraProfiler.setLens(text)
                 }
             }
+            ProfilePost { Layout.fillWidth: true }
             Repeater {
                 model: cameraProfiler.choices
                 delegate: ColumnLayout {

@@ -50,6 +50,11 @@ ApplicationWindow {
             AlarmBar { Layout.fillWidth: true; visible: cameras.alarmText !== "" }
             WarningBar { Layout.fillWidth: true; visible: warnings.text !== "" }
             PromptBar { Layout.fillWidth: true; visible: app.prompt !== "" }
+            // It can wait for all that cannot.
+            TrustBar {
+                Layout.fillWidth: true
+                visible: service.asksForTrust && app.prompt === "" && warnings.text === "" && cameras.alarmText === ""
+            }
 
             RowLayout {
                 Layout.fillWidth: true

@@ -109,6 +109,33 @@ SheetFrame {
                 note: "Is asked when you choose Check for Updates… Empty: your system's package manager updates Zenka."
                 onDecided: (text) => updates.address = text
             }
+            SettingField {
+                objectName: "serviceAddress"
+                name: "Address of the service"
+                value: service.address
+                whenDone: true
+                note: "https://…, where the reports go that you send, and the usage reports if you let them. Empty: nothing is sent."
+                onDecided: (text) => service.address = text
+            }
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: 8
+                ZCheck {
+                    objectName: "usageAllowed"
+                    Layout.fillWidth: true
+                    text: service.host === "" ? "Send usage reports (no service is set)" : "Send usage reports to " + service.host
+                    enabled: service.host !== "" || service.allowed
+                    checked: service.allowed
+                    onToggled: service.allowed = checked
+                }
+                ZButton { text: "What is sent…"; onClicked: app.openPage("UsageReports"); Accessible.name: "What usage reports send" }
+            }
+            ZLabel {
+                Layout.fillWidth: true
+                text: "Turned off, what waits to be sent is deleted too."
+                color: theme.quiet
+                font.pixelSize: theme.small
+            }
         }
     }
 }

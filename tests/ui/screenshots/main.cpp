@@ -3,10 +3,12 @@
 
 #include "exposure/ExposureScales.h"
 #include "services/ServiceAddress.h"
+#include "services/ServiceDesk.h"
 #include "support/ImageFiles.h"
 #include "support/NmeaSentences.h"
 #include "support/TempFolder.h"
 #include "support/TimedCamera.h"
+#include "support/ToldNames.h"
 #include "support/VirtualRig.h"
 #include "ui/AppView.h"
 #include "ui/Commands.h"
@@ -367,6 +369,40 @@ void shootAssistant(test::VirtualRig& rig, ui::Window& window, Album& album) {
     }
 }
 
+/// What goes to a service, with one set, in every theme and size.
+void shootServices(test::VirtualRig& rig, ui::Window& window, services::ServiceDesk& services, Album& album) {
+    services.allow(false);
+    services.setAddress("https://reports.zenka.example");
+    const auto body = std::make_shared<test::ScriptedCamera>("profiled");
+    body->choices = {.shutter = {"1/500", "1/250"}, .iso = {"100", "200"}, .aperture = {"8"}};
+    rig.model.roster().add(body);
+    rig.model.cameraProfiler().runCameraProfile(body->id());
+    rig.run(1);
+    const test::TempFolder card;
+    test::writeFile(card.path() / "DCIM" / "100" / "1.NEF", "image");
+    rig.images.fields["1.NEF"] = {.dateTimeOriginal = "2026:08:12 20:00:00", .model = "NIKON Z 8"};
+    window.setOpenUrl([](const QUrl&) {});
+    for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
+        window.quickWindow()->resize(size);
+        for (const char* theme : {"Sunlight", "Dark", "Night"}) {
+            window.theme().choose(QString::fromLatin1(theme));
+            const std::string suffix = "-" + std::string(theme) + "-" + std::to_string(size.width());
+            album.shoot("Service-trust" + suffix);
+            rig.model.analyzer().analyzeFolder(card.path());
+            rig.run(1);
+            rig.model.analyzer().sendReport("new cable");
+            rig.http.fail("the time ran out");
+            album.shoot("Service-verdict" + suffix);
+            window.app().closeSheet();
+            for (const char* sheet : {"UsageReports", "Feedback", "Settings", "CameraProfiler"}) {
+                window.app().openSheet(QString::fromLatin1(sheet));
+                album.shoot("Service-" + std::string(sheet) + suffix);
+                window.app().closeSheet();
+            }
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -380,7 +416,9 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(argv[1]);
 
     test::VirtualRig rig;
-    ui::Window window(rig.model, rig.machine.all, QStringLiteral("0.1.0"));
+    test::ToldNames names;
+    services::ServiceDesk services(rig.machine.all, names, rig.model, "0.1.0");
+    ui::Window window(rig.model, rig.machine.all, services, QStringLiteral("0.1.0"));
     if (!window.show())
         return 1;
     if (argc > 2)
@@ -459,4 +497,6 @@ int main(int argc, char** argv) {
         shootAssistant(rig, window, album);
     if (wanted("Preflight"))
         shootPreflight(rig, window, album);
+    if (wanted("Service"))
+        shootServices(rig, window, services, album);
 }
