@@ -44,37 +44,43 @@ ZButton {
         exit: null
         onClosed: chip.forceActiveFocus(Qt.PopupFocusReason)
         background: Rectangle { color: theme.panel; border.color: theme.accent; border.width: 2; radius: 4 }
-        contentItem: ColumnLayout {
-            spacing: 8
-            ZLabel { text: chip.about; font.weight: Font.Bold }
-            Repeater {
-                model: chip.lines
-                delegate: ZLabel {
-                    required property string modelData
-                    Layout.fillWidth: true
-                    visible: modelData !== ""
-                    text: modelData
-                }
-            }
-            Repeater {
-                model: chip.rows
-                delegate: RowLayout {
-                    required property var modelData
-                    Layout.fillWidth: true
-                    ZLabel { Layout.fillWidth: true; text: modelData.name; color: theme.quiet }
-                    ZLabel { text: modelData.value; font.family: theme.digits }
-                }
-            }
-            RowLayout {
+        // Only while it is open: a layout that was never shown keeps the rows that have gone, and Qt trips over
+        // them when the window's size changes.
+        contentItem: Loader {
+            active: more.visible
+            focus: true
+            sourceComponent: ColumnLayout {
                 spacing: 8
-                ZButton {
-                    objectName: chip.objectName + "Action"
-                    visible: chip.offer !== ""
-                    focus: visible
-                    text: chip.offer
-                    onClicked: chip.acted()
+                ZLabel { text: chip.about; font.weight: Font.Bold }
+                Repeater {
+                    model: chip.lines
+                    delegate: ZLabel {
+                        required property string modelData
+                        Layout.fillWidth: true
+                        visible: modelData !== ""
+                        text: modelData
+                    }
                 }
-                ZButton { focus: chip.offer === ""; text: "Close"; onClicked: more.close() }
+                Repeater {
+                    model: chip.rows
+                    delegate: RowLayout {
+                        required property var modelData
+                        Layout.fillWidth: true
+                        ZLabel { Layout.fillWidth: true; text: modelData.name; color: theme.quiet }
+                        ZLabel { text: modelData.value; font.family: theme.digits }
+                    }
+                }
+                RowLayout {
+                    spacing: 8
+                    ZButton {
+                        objectName: chip.objectName + "Action"
+                        visible: chip.offer !== ""
+                        focus: visible
+                        text: chip.offer
+                        onClicked: chip.acted()
+                    }
+                    ZButton { focus: chip.offer === ""; text: "Close"; onClicked: more.close() }
+                }
             }
         }
     }
