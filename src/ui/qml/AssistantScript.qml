@@ -45,17 +45,9 @@ ColumnLayout {
         color: theme.page
         border.width: page.activeFocus ? 2 : 1
         border.color: page.activeFocus ? theme.accent : theme.line
-        ScrollView {
+        TextScroller {
             id: scroller
             anchors { fill: parent; margins: 2 }
-            clip: true
-            // A long text has drawn the lines that were to be seen, and notices a scroll, but not a larger window.
-            function drawAnew() {
-                contentItem.contentY += 1
-                contentItem.contentY -= 1
-            }
-            onWidthChanged: Qt.callLater(drawAnew)
-            onHeightChanged: Qt.callLater(drawAnew)
             TextArea {
                 id: page
                 objectName: "assistantScript"

@@ -20,11 +20,10 @@ SheetFrame {
             color: theme.page
             border.width: page.activeFocus ? 2 : 1
             border.color: page.activeFocus ? theme.accent : theme.line
-            ScrollView {
+            TextScroller {
                 id: scroller
                 anchors.fill: parent
                 anchors.margins: 2
-                clip: true
                 focus: true
                 TextArea {
                     id: page
