@@ -30,13 +30,17 @@ ColumnLayout {
         }
     }
     ZLabel {
+        id: ask
         objectName: "assistantAsk"
         Layout.fillWidth: true
-        visible: root.asking
-        text: "Whoever writes such a line can do with this computer what you can. Load the script only if you know what each of them does."
+        // Measured beforehand: the layout would give it the height of one line as it appears.
+        Layout.preferredHeight: measure.contentHeight
+        visible: text !== ""
+        text: root.asking ? "Whoever writes such a line can do with this computer what you can. Load the script only if you know what each of them does." : ""
         color: theme.warning
         Accessible.role: Accessible.AlertMessage
         Accessible.name: text
+        ZLabel { id: measure; visible: false; width: root.width; text: ask.text }
     }
     Rectangle {
         Layout.fillWidth: true

@@ -296,6 +296,11 @@ void shootHorizon(test::VirtualRig& rig, ui::Window& window, Album& album) {
             rig.run(0.1);
             turnToHorizon();
             shoot("hidden");
+            rig.machine.settings.remove("zenka.terrainToken");
+            rig.model.horizons().find({.lat = site.lat, .lon = site.lon}, false);
+            rig.run(0.1);
+            shoot("noToken");
+            rig.machine.settings.setText("zenka.terrainToken", "pk");
             window.app().closeSheet();
         }
     }
