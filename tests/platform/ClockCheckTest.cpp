@@ -6,6 +6,7 @@
 #include "rig/TimeSources.h"
 #include "support/Child.h"
 #include "support/MemoryFiles.h"
+#include "support/PortsBut.h"
 
 #include <gtest/gtest.h>
 
@@ -42,11 +43,7 @@ protected:
     MemoryFolders folders;
     platform::LinuxClock clock;
     platform::VirtualPorts rest{base::Instant{0}, folders, files};
-    const ports::Ports ports{
-        clock,       loop,           rest.queues,       rest.fireTimer,   rest.settings, folders,
-        files,       rest.keepAwake, rest.stallSampler, rest.nowhere,     http,          rest.images,
-        rest.pixels, rest.volumes,   rest.children,     rest.serialPorts, rest.sensors,  rest.speech,
-        rest.sounds, rest.audio};
+    const ports::Ports ports = portsBut(rest.all, clock, loop, http);
     rig::RigLog log{loop};
     rig::TimeSources time{ports, log};
 };

@@ -5,6 +5,7 @@
 #include "services/ScriptAssistant.h"
 #include "services/ServiceAddress.h"
 #include "support/Child.h"
+#include "support/PortsBut.h"
 #include "support/VirtualRig.h"
 
 #include <gtest/gtest.h>
@@ -31,27 +32,7 @@ protected:
     QtMainLoop loop;
     ThreadWorkQueues queues;
     QtHttpClient client{loop};
-    const ports::Ports& machine = rig.machine.all;
-    const ports::Ports ports{machine.clock,
-                             loop,
-                             queues,
-                             machine.fireTimer,
-                             machine.settings,
-                             machine.folders,
-                             machine.files,
-                             machine.keepAwake,
-                             machine.stallSampler,
-                             machine.places,
-                             client,
-                             machine.images,
-                             machine.pixels,
-                             machine.volumes,
-                             machine.children,
-                             machine.serialPorts,
-                             machine.sensors,
-                             machine.speech,
-                             machine.sounds,
-                             machine.audio};
+    const ports::Ports ports = test::portsBut(rig.machine.all, loop, queues, client);
     services::ScriptAssistant assistant{rig.model, ports};
 };
 

@@ -3,6 +3,7 @@
 #include "base/CivilTime.h"
 #include "base/Text.h"
 #include "eclipse/Catalog.h"
+#include "support/PortsBut.h"
 
 #include <gtest/gtest.h>
 
@@ -45,11 +46,8 @@ VirtualRig::VirtualRig(const MakeFamilies& make)
 }
 
 ports::Ports VirtualRig::parts() {
-    const ports::Ports& all = machine.all;
-    return {all.clock,   loop,      all.queues,    all.fireTimer,    all.settings,
-            all.folders, all.files, all.keepAwake, all.stallSampler, all.places,
-            all.http,    images,    pixels,        volumes,          children,
-            serialPorts, sensors,   speech,        sounds,           audio};
+    return portsBut(machine.all, loop, images, pixels, volumes, children, serialPorts, sensors, speech,
+                    sounds, audio);
 }
 
 void VirtualRig::load(const std::string& script) {

@@ -9,6 +9,7 @@
 #include "rig/GPhoto2Family.h"
 #include "rig/RigModel.h"
 #include "support/Child.h"
+#include "support/PortsBut.h"
 #include "support/ScriptedUsb.h"
 #include "support/TempFolder.h"
 #include "support/TestFolders.h"
@@ -59,26 +60,7 @@ struct RealGphoto2 : testing::Test {
                                                             .folders = folders,
                                                             .files = machine.files,
                                                             .programFolder = programsBelow(root.path())}};
-    ports::Ports ports{machine.clock,
-                       loop,
-                       machine.queues,
-                       machine.fireTimer,
-                       settings,
-                       folders,
-                       machine.files,
-                       machine.keepAwake,
-                       machine.stallSampler,
-                       machine.places,
-                       machine.http,
-                       machine.images,
-                       machine.pixels,
-                       machine.volumes,
-                       machine.children,
-                       machine.serialPorts,
-                       machine.sensors,
-                       machine.speech,
-                       machine.sounds,
-                       machine.audio};
+    ports::Ports ports = test::portsBut(machine.all, loop);
     rig::RigModel rig{ports, "9.9", {std::make_shared<rig::GPhoto2Family>(program, machine.usb)}};
     std::vector<std::string> lines;
 
