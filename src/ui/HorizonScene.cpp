@@ -21,10 +21,10 @@ double unwrapped(double az, double near) {
     return az + 360 * std::round((near - az) / 360);
 }
 
-void findPath(HorizonScene& scene, const eclipse::Eclipse& eclipse, const eclipse::Observer& observer) {
+void findPath(HorizonScene& scene, const eclipse::Eclipse& eclipse, const eclipse::Observer& observer,
+              const eclipse::LocalCircumstances& circ) {
     if (scene.contacts.empty())
         return;
-    const auto circ = eclipse.localCircumstances(observer);
     const double from = circ.events.front().tHours - aroundHours;
     const double to = circ.events.back().tHours + aroundHours;
     for (double hours = from; hours <= to; hours += stepHours) {
@@ -61,8 +61,9 @@ HorizonScene horizonScene(const eclipse::Eclipse& eclipse, const eclipse::Observ
                           std::vector<double> samples) {
     HorizonScene scene;
     scene.samples = std::move(samples);
-    scene.contacts = rig::contactClearances(eclipse.localCircumstances(observer), scene.samples);
-    findPath(scene, eclipse, observer);
+    const auto circ = eclipse.localCircumstances(observer);
+    scene.contacts = rig::contactClearances(circ, scene.samples);
+    findPath(scene, eclipse, observer, circ);
     if (scene.path.empty() && !scene.samples.empty())
         scene.highestAlt = std::max(lowestTopDeg, *std::ranges::max_element(scene.samples) * 1.15);
     frame(scene);
