@@ -110,12 +110,12 @@ void TerrainSurvey::askOn() {
     const std::size_t all = job_->tiles.size();
     tell(absl::StrFormat("Loading %d terrain tiles…", all), all);
     while (job_ && job_->underWay < mostAtOnce && job_->next < all)
-        ask(job_->next++);
+        loadTile(job_->next++);
     if (job_ && job_->underWay == 0)
         profile();
 }
 
-void TerrainSurvey::ask(std::size_t tile) {
+void TerrainSurvey::loadTile(std::size_t tile) {
     ++job_->underWay;
     ports::HttpRequest request;
     request.url = job_->source.tileAddress(job_->tiles[tile]);

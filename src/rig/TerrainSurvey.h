@@ -72,7 +72,7 @@ private:
 
     void begin();
     void askOn();
-    void ask(std::size_t tile);
+    void loadTile(std::size_t tile);
     void take(std::size_t tile, const ports::HttpReply& reply);
     void settle(bool had, const std::string& why, bool hopeless);
     void profile();
