@@ -52,21 +52,4 @@ void raiseByBuildings(std::vector<double>& samples, std::span<const Building> bu
     }
 }
 
-double distanceM(double lat, double lon, double toLat, double toLon) {
-    const double northing = std::sin((toLat - lat) * perDegree / 2);
-    const double easting = std::sin((toLon - lon) * perDegree / 2);
-    const double chord =
-        northing * northing + std::cos(lat * perDegree) * std::cos(toLat * perDegree) * easting * easting;
-    return 2 * earthRadiusM * std::asin(std::sqrt(std::clamp(chord, 0.0, 1.0)));
-}
-
-double bearingDeg(double lat, double lon, double toLat, double toLon) {
-    const double across = (toLon - lon) * perDegree;
-    const double east = std::sin(across) * std::cos(toLat * perDegree);
-    const double north = std::cos(lat * perDegree) * std::sin(toLat * perDegree) -
-                         std::sin(lat * perDegree) * std::cos(toLat * perDegree) * std::cos(across);
-    const double bearing = std::atan2(east, north) / perDegree;
-    return bearing < 0 ? bearing + 360 : bearing;
-}
-
 } // namespace zenka::eclipse::TerrainHorizon

@@ -41,8 +41,4 @@ struct Building {
 /// left out. Each counts as 24 m wide.
 void raiseByBuildings(std::vector<double>& samples, std::span<const Building> buildings);
 
-/// Along the great circle between two points, all in degrees.
-double distanceM(double lat, double lon, double toLat, double toLon);
-double bearingDeg(double lat, double lon, double toLat, double toLon);
-
 } // namespace zenka::eclipse::TerrainHorizon

@@ -6,6 +6,12 @@
 
 namespace zenka::geo {
 
+namespace {
+
+constexpr double radians = std::numbers::pi / 180; ///< in a degree
+
+} // namespace
+
 double wrappedLongitude(double lon) {
     if (lon >= -180 && lon <= 180) {
         return lon;
@@ -16,12 +22,20 @@ double wrappedLongitude(double lon) {
 
 double distanceKm(const GeoPoint& a, const GeoPoint& b) {
     constexpr double earthRadiusKm = 6371;
-    constexpr double radians = std::numbers::pi / 180;
     const double sinLat = std::sin((b.lat - a.lat) / 2 * radians);
     const double sinLon = std::sin((b.lon - a.lon) / 2 * radians);
     const double h =
         sinLat * sinLat + std::cos(a.lat * radians) * std::cos(b.lat * radians) * sinLon * sinLon;
     return 2 * earthRadiusKm * std::asin(std::sqrt(std::min(1.0, h)));
+}
+
+double bearingDeg(const GeoPoint& from, const GeoPoint& to) {
+    const double across = (to.lon - from.lon) * radians;
+    const double east = std::sin(across) * std::cos(to.lat * radians);
+    const double north = std::cos(from.lat * radians) * std::sin(to.lat * radians) -
+                         std::sin(from.lat * radians) * std::cos(to.lat * radians) * std::cos(across);
+    const double bearing = std::atan2(east, north) / radians;
+    return bearing < 0 ? bearing + 360 : bearing;
 }
 
 } // namespace zenka::geo

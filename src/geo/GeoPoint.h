@@ -16,4 +16,8 @@ double wrappedLongitude(double lon);
 /// Along the great circle of a sphere of 6371 km.
 double distanceKm(const GeoPoint& a, const GeoPoint& b);
 
+/// The direction in which the great circle from one point to another begins: degrees from north through east,
+/// 0 to 360.
+double bearingDeg(const GeoPoint& from, const GeoPoint& to);
+
 } // namespace zenka::geo

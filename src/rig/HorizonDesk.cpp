@@ -1,13 +1,19 @@
 #include "rig/HorizonDesk.h"
 
+#include "geo/GeoPoint.h"
+
 #include <algorithm>
 
 namespace zenka::rig {
 
 namespace {
 
-constexpr double samePlaceM = 50;
+constexpr double samePlaceKm = 0.05;
 constexpr std::size_t mostKept = 40;
+
+bool isOf(const KnownHorizon& horizon, double lat, double lon) {
+    return geo::distanceKm({.lat = lat, .lon = lon}, {.lat = horizon.lat, .lon = horizon.lon}) <= samePlaceKm;
+}
 
 } // namespace
 
@@ -44,9 +50,8 @@ void HorizonDesk::followSite() {
 }
 
 const KnownHorizon* HorizonDesk::at(double lat, double lon) const {
-    const auto found = std::ranges::find_if(known_, [&](const KnownHorizon& horizon) {
-        return eclipse::TerrainHorizon::distanceM(lat, lon, horizon.lat, horizon.lon) <= samePlaceM;
-    });
+    const auto found =
+        std::ranges::find_if(known_, [&](const KnownHorizon& horizon) { return isOf(horizon, lat, lon); });
     return found == known_.end() ? nullptr : &*found;
 }
 
@@ -65,10 +70,8 @@ void HorizonDesk::cancel() {
 
 void HorizonDesk::take(const TerrainSurvey::Place& place, const TerrainSurvey::Outcome& outcome) {
     if (outcome.usable()) {
-        std::erase_if(known_, [&](const KnownHorizon& horizon) {
-            return eclipse::TerrainHorizon::distanceM(place.lat, place.lon, horizon.lat, horizon.lon) <=
-                   samePlaceM;
-        });
+        std::erase_if(known_,
+                      [&](const KnownHorizon& horizon) { return isOf(horizon, place.lat, place.lon); });
         if (known_.size() >= mostKept)
             known_.erase(known_.begin());
         known_.push_back({.lat = place.lat, .lon = place.lon, .result = outcome.result});

@@ -1,6 +1,7 @@
 #include "rig/TerrainSource.h"
 
 #include "base/Text.h"
+#include "geo/GeoPoint.h"
 #include "rig/SettingsKeys.h"
 
 #include <absl/strings/str_format.h>
@@ -78,8 +79,10 @@ std::optional<Building> buildingIn(const Json& feature, double lat, double lon) 
         return std::nullopt;
     const Json* query = objectIn(*properties, "tilequery");
     const auto told = query ? numberIn(*query, "distance") : std::nullopt;
-    return Building{.distanceM = told.value_or(eclipse::TerrainHorizon::distanceM(lat, lon, toLat, toLon)),
-                    .bearingDeg = eclipse::TerrainHorizon::bearingDeg(lat, lon, toLat, toLon),
+    const geo::GeoPoint from{.lat = lat, .lon = lon};
+    const geo::GeoPoint to{.lat = toLat, .lon = toLon};
+    return Building{.distanceM = told.value_or(geo::distanceKm(from, to) * 1000),
+                    .bearingDeg = geo::bearingDeg(from, to),
                     .heightM = heightIn(*properties)};
 }
 

@@ -1,6 +1,7 @@
 #include "eclipse/TerrainHorizon.h"
 
 #include "eclipse/TerrainSampling.h"
+#include "geo/GeoPoint.h"
 
 #include <gtest/gtest.h>
 
@@ -62,8 +63,10 @@ TEST(TerrainHorizonTest, aRidgeStandsWhereItIsAndAsHighAsTheCurvatureLeavesIt) {
     const double lat = 42.2, lon = -1.3;
     // 1000 m above the eye, from 10 km on, to the east.
     const auto sampling = survey(lat, lon, [&](double pointLat, double pointLon) {
-        const double away = TerrainHorizon::distanceM(lat, lon, pointLat, pointLon);
-        const double bearing = TerrainHorizon::bearingDeg(lat, lon, pointLat, pointLon);
+        const zenka::geo::GeoPoint eye{.lat = lat, .lon = lon};
+        const zenka::geo::GeoPoint point{.lat = pointLat, .lon = pointLon};
+        const double away = zenka::geo::distanceKm(eye, point) * 1000;
+        const double bearing = zenka::geo::bearingDeg(eye, point);
         return away > 10000 && away < 12500 && std::abs(bearing - 90) < 20 ? 1240.0 : 240.0;
     });
     EXPECT_NEAR(sampling.observerHeight().value_or(0), 240, 0.06);
