@@ -1,6 +1,6 @@
 // A paint of the Location sheet's map at 1300 by 600 pixels: sea, land, coasts and borders.
 
-#include "ui/WorldMapPainter.h"
+#include "painting/WorldMapPainter.h"
 
 #include <QImage>
 #include <benchmark/benchmark.h>
@@ -11,22 +11,22 @@ using namespace zenka;
 
 /// Height of the map in degrees; around the middle of Spain, the world around the equator.
 void landOf(benchmark::State& state) {
-    ui::MapProjection map;
+    painting::MapProjection map;
     map.resize({1300, 600});
     map.showHeight(static_cast<double>(state.range(0)));
     map.centreOn({.lat = 40.3, .lon = -3.5});
-    const ui::MapColors colors{.sea = QColor(13, 22, 38),
-                               .land = QColor(20, 27, 39),
-                               .coast = QColor(159, 176, 195),
-                               .border = QColor(44, 58, 79),
-                               .path = {},
-                               .text = {},
-                               .page = Qt::black,
-                               .mark = {}};
+    const painting::MapColors colors{.sea = QColor(13, 22, 38),
+                                     .land = QColor(20, 27, 39),
+                                     .coast = QColor(159, 176, 195),
+                                     .border = QColor(44, 58, 79),
+                                     .path = {},
+                                     .text = {},
+                                     .page = Qt::black,
+                                     .mark = {}};
     QImage image(1300, 600, QImage::Format_RGB32);
     for (auto _ : state) {
         QPainter painter(&image);
-        ui::paintLand(painter, map, colors);
+        painting::paintLand(painter, map, colors);
     }
 }
 BENCHMARK(landOf)->Arg(180)->Arg(60)->Arg(16)->Arg(2)->Unit(benchmark::kMillisecond);

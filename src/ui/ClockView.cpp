@@ -1,11 +1,11 @@
 #include "ui/ClockView.h"
 
 #include "base/TimeWords.h"
+#include "eclipse/SiteWords.h"
 #include "exposure/ExposureScales.h"
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
 #include "ui/QtText.h"
-#include "ui/SiteWords.h"
 
 #include <QVariantMap>
 #include <absl/strings/str_format.h>
@@ -157,7 +157,7 @@ QString ClockView::phaseText() const {
         return qt(absl::StrFormat("No totality here: partial, magnitude %.3f, %.1f %% covered.",
                                   circ->maxMagnitude, circ->maxObscuration * 100));
     const char* phase = circ->maxMagnitude >= 1 ? "totality" : "ring";
-    return qt(absl::StrFormat("%s %s, magnitude %.4f", phase, durationText(circ->totalitySeconds),
+    return qt(absl::StrFormat("%s %s, magnitude %.4f", phase, eclipse::durationText(circ->totalitySeconds),
                               circ->maxMagnitude));
 }
 

@@ -1,12 +1,12 @@
 #include "ui/LocationView.h"
 
 #include "base/CivilTime.h"
+#include "eclipse/SiteWords.h"
+#include "painting/EclipseTrack.h"
 #include "rig/RigModel.h"
-#include "ui/EclipseTrack.h"
 #include "ui/Observe.h"
 #include "ui/QtText.h"
 #include "ui/SiteDraft.h"
-#include "ui/SiteWords.h"
 
 #include <QVariantMap>
 
@@ -138,7 +138,7 @@ void LocationView::search(const QString& text) {
         for (const ports::FoundPlace& place : ports_.places.search(name, mostResults))
             results_.append(
                 QVariantMap{{QStringLiteral("label"), qt(place.label)},
-                            {QStringLiteral("position"), qt(positionText(place.lat, place.lon, 2))},
+                            {QStringLiteral("position"), qt(eclipse::positionText(place.lat, place.lon, 2))},
                             {QStringLiteral("lat"), place.lat},
                             {QStringLiteral("lon"), place.lon}});
         if (results_.isEmpty())
@@ -234,7 +234,7 @@ void LocationView::toggleDefault(const QString& id) {
 }
 
 void LocationView::goToGreatest() {
-    const EclipseTrack* track = this->track();
+    const painting::EclipseTrack* track = this->track();
     if (!track || !track->greatest)
         return;
     const eclipse::DurationPoint& point = *track->greatest;
@@ -280,7 +280,8 @@ void LocationView::probe(const geo::GeoPoint& point, int decimals) {
     const auto circ = rig_.site().eclipse().localCircumstances(
         {.lat = point.lat, .lon = point.lon, .elev = draft_->site().elev});
     const auto zone = base::timeZoneOrUtc(ports_.places.zoneAt(point.lat, point.lon).value_or("UTC"));
-    probeText_ = qt(positionText(point.lat, point.lon, decimals) + "   " + eclipseText(circ, zone));
+    probeText_ =
+        qt(eclipse::positionText(point.lat, point.lon, decimals) + "   " + eclipse::eclipseText(circ, zone));
     Q_EMIT probed();
 }
 
@@ -334,7 +335,7 @@ QString LocationView::summary() const {
     const rig::Site& site = draft_->site();
     const auto circ =
         rig_.site().eclipse().localCircumstances({.lat = site.lat, .lon = site.lon, .elev = site.elev});
-    return qt(eclipseText(circ, base::timeZoneOrUtc(site.tzId)));
+    return qt(eclipse::eclipseText(circ, base::timeZoneOrUtc(site.tzId)));
 }
 
 bool LocationView::edited() const {
@@ -352,10 +353,11 @@ QVariantList LocationView::savedSites() const {
     QVariantList rows;
     const auto standard = rig_.sites().defaultSiteId();
     for (const rig::SavedSite& site : rig_.sites().savedSites().get())
-        rows.append(QVariantMap{{QStringLiteral("siteId"), qt(site.id)},
-                                {QStringLiteral("name"), qt(site.name)},
-                                {QStringLiteral("position"), qt(positionText(site.lat, site.lon, 3))},
-                                {QStringLiteral("isDefault"), standard == site.id}});
+        rows.append(
+            QVariantMap{{QStringLiteral("siteId"), qt(site.id)},
+                        {QStringLiteral("name"), qt(site.name)},
+                        {QStringLiteral("position"), qt(eclipse::positionText(site.lat, site.lon, 3))},
+                        {QStringLiteral("isDefault"), standard == site.id}});
     return rows;
 }
 
@@ -364,16 +366,16 @@ QString LocationView::undoText() const {
 }
 
 QString LocationView::trackText() const {
-    const EclipseTrack* track = this->track();
+    const painting::EclipseTrack* track = this->track();
     if (!track)
         return QStringLiteral("Computing the path…");
     if (!track->greatest)
         return QStringLiteral("This eclipse has no central line: it is partial everywhere.");
-    return qt("Greatest duration " + durationText(track->greatest->seconds));
+    return qt("Greatest duration " + eclipse::durationText(track->greatest->seconds));
 }
 
 bool LocationView::hasGreatest() const {
-    const EclipseTrack* track = this->track();
+    const painting::EclipseTrack* track = this->track();
     return track && track->greatest;
 }
 
@@ -386,7 +388,7 @@ void LocationView::setElevationHost(const QString& address) {
     Q_EMIT elevationHostChanged();
 }
 
-const EclipseTrack* LocationView::track() const {
+const painting::EclipseTrack* LocationView::track() const {
     const auto found = tracks_.find(rig_.site().eclipseId());
     return found == tracks_.end() ? nullptr : found->second.get();
 }
@@ -407,15 +409,14 @@ void LocationView::computeTrack() {
     const std::string id = rig_.site().eclipseId();
     if (!tracks_.try_emplace(id).second)
         return;
-    const auto arrive = lifeline_.guard([this, id](std::shared_ptr<const EclipseTrack> track) {
+    const auto arrive = lifeline_.guard([this, id](std::shared_ptr<const painting::EclipseTrack> track) {
         tracks_[id] = std::move(track);
         Q_EMIT trackChanged();
     });
     const auto eclipse = std::make_shared<const eclipse::Eclipse>(rig_.site().eclipse().rec);
     ports_.queues.background([arrive, eclipse, &loop = ports_.loop] {
-        loop.post([arrive, track = std::make_shared<const EclipseTrack>(ui::computeTrack(*eclipse))] {
-            arrive(track);
-        });
+        loop.post([arrive, track = std::make_shared<const painting::EclipseTrack>(
+                               painting::computeTrack(*eclipse))] { arrive(track); });
     });
 }
 

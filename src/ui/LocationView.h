@@ -12,6 +12,10 @@
 #include <optional>
 #include <string>
 
+namespace zenka::painting {
+struct EclipseTrack;
+}
+
 namespace zenka::ports {
 struct Ports;
 }
@@ -25,7 +29,6 @@ struct Site;
 namespace zenka::ui {
 
 class SiteDraft;
-struct EclipseTrack;
 
 /// The site being chosen: typed, searched by name, taken from the saved ones or from the map. Nothing of the
 /// rig changes before apply(); what was typed stays when the sheet is closed without it, until the rig's own
@@ -126,7 +129,7 @@ public:
     void setElevationHost(const QString& address);
 
     /// For the map: the path of the eclipse once it is computed, the site in use and the one of the fields.
-    const EclipseTrack* track() const;
+    const painting::EclipseTrack* track() const;
     geo::GeoPoint siteInUse() const;
     geo::GeoPoint draftPoint() const;
     /// The site of the fields, as far as they can be read.
@@ -162,7 +165,7 @@ private:
     std::unique_ptr<rig::SavedSite> deleted_;
     bool deletedWasDefault_ = false;
     /// By eclipse; empty while it is being computed.
-    std::map<std::string, std::shared_ptr<const EclipseTrack>> tracks_;
+    std::map<std::string, std::shared_ptr<const painting::EclipseTrack>> tracks_;
     QString probeText_;
     base::Lifeline lifeline_;
 };

@@ -19,7 +19,7 @@ private:
     void followView(SkyView& view) override;
     void paintView(QPainter& painter, SkyView& view, const Theme& theme) override;
 
-    CoronaCache corona_;
+    painting::CoronaCache corona_;
 };
 
 /// The colours of the picture in a theme.

@@ -154,7 +154,7 @@ void paintDiamond(QPainter& painter, const Stage& stage) {
     paintDisc(painter, place, stage.radius * (0.04 + 0.05 * strength), core);
 }
 
-void paintSunAndMoon(QPainter& painter, const Stage& stage, CoronaCache& cache) {
+void paintSunAndMoon(QPainter& painter, const Stage& stage, painting::CoronaCache& cache) {
     if (stage.dark < 1)
         paintGlow(painter, stage.sun, stage.radius * 3.2, stage.colors.sun,
                   0.5 * (1 - stage.scene.obscuration()));
@@ -224,7 +224,7 @@ double horizonIn(const QSizeF& size, double altitudeDeg) {
 }
 
 void paintSky(QPainter& painter, const QSizeF& size, const SkyScene& scene, const SkyColors& colors,
-              const QFont& font, CoronaCache& corona) {
+              const QFont& font, painting::CoronaCache& corona) {
     const Stage stage(scene, colors, size);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/Corona.h"
+#include "painting/Corona.h"
 #include "ui/SkyScene.h"
 
 #include <QFont>
@@ -23,7 +23,7 @@ struct SkyColors {
 /// azimuth to the right, the Sun in the middle. Sizes of the discs, their distance and direction and the
 /// height above the horizon are true and to one scale.
 void paintSky(QPainter& painter, const QSizeF& size, const SkyScene& scene, const SkyColors& colors,
-              const QFont& font, CoronaCache& corona);
+              const QFont& font, painting::CoronaCache& corona);
 
 /// The Sun's radius in a picture of a size, pixels.
 double sunRadiusIn(const QSizeF& size);

@@ -1,6 +1,6 @@
 #include "ui/WorldMapItem.h"
 
-#include "ui/WorldMapPainter.h"
+#include "painting/WorldMapPainter.h"
 
 #include <QGuiApplication>
 #include <QStyleHints>
@@ -18,7 +18,7 @@ constexpr double keyZoom = 1.5;
 constexpr double notchZoom = 1.25;
 constexpr int notch = 120; // in a wheel's units
 
-MapColors mapColors(const Theme& theme) {
+painting::MapColors mapColors(const Theme& theme) {
     return {.sea = theme.sky(),
             .land = theme.sunlight() ? theme.page() : theme.panel(),
             .coast = theme.quiet(),
@@ -199,13 +199,13 @@ void WorldMapItem::focusOutEvent(QFocusEvent* event) {
 }
 
 void WorldMapItem::paintView(QPainter& painter, LocationView& view, const Theme& theme) {
-    const MapColors colors = mapColors(theme);
-    paintLand(painter, map_, colors);
-    MapMarks marks{
+    const painting::MapColors colors = mapColors(theme);
+    painting::paintLand(painter, map_, colors);
+    painting::MapMarks marks{
         .track = view.track(), .site = view.siteInUse(), .draft = view.draftPoint(), .crossHair = {}};
     if (hasActiveFocus() && !pointer_)
         marks.crossHair = middle();
-    paintMarks(painter, map_, colors, marks, smallDigits(theme));
+    painting::paintMarks(painter, map_, colors, marks, smallDigits(theme));
 }
 
 } // namespace zenka::ui

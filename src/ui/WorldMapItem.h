@@ -1,7 +1,7 @@
 #pragma once
 
+#include "painting/MapProjection.h"
 #include "ui/LocationView.h"
-#include "ui/MapProjection.h"
 #include "ui/PaintedItem.h"
 
 #include <optional>
@@ -25,7 +25,7 @@ public:
     /// Centres on the point being chosen; from far above the map comes nearer.
     Q_INVOKABLE void showPoint();
 
-    const MapProjection& projection() const { return map_; }
+    const painting::MapProjection& projection() const { return map_; }
 
 protected:
     void geometryChange(const QRectF& now, const QRectF& before) override;
@@ -49,7 +49,7 @@ private:
     void probe();
     void take(QPointF pixel);
 
-    MapProjection map_;
+    painting::MapProjection map_;
     bool placed_ = false; ///< the first size has been given
     std::optional<QPointF> pressed_;
     std::optional<QPointF> pointer_;

@@ -1,7 +1,7 @@
 #include "ui/LocationView.h"
 
+#include "painting/EclipseTrack.h"
 #include "support/VirtualRig.h"
-#include "ui/EclipseTrack.h"
 
 #include <gtest/gtest.h>
 
@@ -176,7 +176,7 @@ TEST_F(LocationViewTest, greatestDurationIsOfferedOnceItIsKnown) {
 
 TEST_F(LocationViewTest, anotherEclipseHasAnotherPath) {
     rig.run(0.1);
-    const EclipseTrack* first = view->track();
+    const painting::EclipseTrack* first = view->track();
     rig.model.site().selectEclipse("2027-08-02");
     EXPECT_EQ(view->track(), nullptr);
     view->open();

@@ -47,7 +47,7 @@ struct Sky : testing::Test {
         font.setStyleStrategy(QFont::NoSubpixelAntialias);
         QImage image(size, QImage::Format_ARGB32_Premultiplied);
         QPainter painter(&image);
-        ui::CoronaCache corona;
+        painting::CoronaCache corona;
         ui::paintSky(painter, size, scene, ui::skyColors(theme), font, corona);
         return image;
     }

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-namespace zenka::ui {
+namespace zenka::painting {
 
 /// The path of a central eclipse as a map draws it. The longitudes run on beyond 180 degrees, so that
 /// neighbouring points are always less than half the world apart.
@@ -22,4 +22,4 @@ EclipseTrack trackOf(const eclipse::CentralPath& path, std::optional<eclipse::Du
 /// Slow: not for the main thread.
 EclipseTrack computeTrack(const eclipse::Eclipse& eclipse);
 
-} // namespace zenka::ui
+} // namespace zenka::painting

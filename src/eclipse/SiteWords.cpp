@@ -1,4 +1,4 @@
-#include "ui/SiteWords.h"
+#include "eclipse/SiteWords.h"
 
 #include "base/TimeWords.h"
 
@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-namespace zenka::ui {
+namespace zenka::eclipse {
 
 std::string positionText(double lat, double lon, int decimals) {
     return absl::StrFormat("%.*f° %c  %.*f° %c", decimals, std::abs(lat), lat < 0 ? 'S' : 'N', decimals,
@@ -18,10 +18,10 @@ std::string durationText(double seconds) {
     return absl::StrFormat("%d m %04.1f s", minutes, std::floor((seconds - 60.0 * minutes) * 10) / 10);
 }
 
-std::string eclipseText(const eclipse::LocalCircumstances& circ, const absl::TimeZone& zone) {
+std::string eclipseText(const LocalCircumstances& circ, const absl::TimeZone& zone) {
     if (circ.maxMagnitude <= 0)
         return "this eclipse is not seen here";
-    const eclipse::ContactEvent* moment = circ.event("C2");
+    const ContactEvent* moment = circ.event("C2");
     const bool central = moment && circ.totalitySeconds > 0;
     if (!central)
         moment = circ.event("MAX");
@@ -37,4 +37,4 @@ std::string eclipseText(const eclipse::LocalCircumstances& circ, const absl::Tim
     return text;
 }
 
-} // namespace zenka::ui
+} // namespace zenka::eclipse

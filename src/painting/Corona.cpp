@@ -1,4 +1,4 @@
-#include "ui/Corona.h"
+#include "painting/Corona.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <numbers>
 #include <vector>
 
-namespace zenka::ui {
+namespace zenka::painting {
 
 namespace {
 
@@ -96,4 +96,4 @@ const QImage& CoronaCache::picture(double sunRadius, const QColor& color) {
     return picture_;
 }
 
-} // namespace zenka::ui
+} // namespace zenka::painting

@@ -1,10 +1,10 @@
-#include "ui/MapProjection.h"
+#include "painting/MapProjection.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
-namespace zenka::ui {
+namespace zenka::painting {
 
 namespace {
 
@@ -88,4 +88,4 @@ void MapProjection::wrapCentre() {
     lon_ = geo::wrappedLongitude(lon_);
 }
 
-} // namespace zenka::ui
+} // namespace zenka::painting

@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace zenka::ui {
+namespace zenka::eclipse {
 
 /// "41.6500° N  0.8800° W", with so many decimals.
 std::string positionText(double lat, double lon, int decimals);
@@ -15,6 +15,6 @@ std::string positionText(double lat, double lon, int decimals);
 std::string durationText(double seconds);
 
 /// What an eclipse is at a place: "totality 1 m 23.5 s · C2 20:29:03 CEST · Sun 7° up".
-std::string eclipseText(const eclipse::LocalCircumstances& circ, const absl::TimeZone& zone);
+std::string eclipseText(const LocalCircumstances& circ, const absl::TimeZone& zone);
 
-} // namespace zenka::ui
+} // namespace zenka::eclipse

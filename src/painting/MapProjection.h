@@ -5,7 +5,7 @@
 #include <QPointF>
 #include <QSizeF>
 
-namespace zenka::ui {
+namespace zenka::painting {
 
 /// A window on the equirectangular world, which repeats to the east and to the west. The parallel of its
 /// centre is true to scale, so that near the centre shapes and distances are right in every direction.
@@ -58,4 +58,4 @@ private:
     double scale_ = 180;
 };
 
-} // namespace zenka::ui
+} // namespace zenka::painting

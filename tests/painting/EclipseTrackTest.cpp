@@ -1,4 +1,4 @@
-#include "ui/EclipseTrack.h"
+#include "painting/EclipseTrack.h"
 
 #include "eclipse/Catalog.h"
 
@@ -8,7 +8,7 @@
 #include <cmath>
 #include <cstdio>
 
-namespace zenka::ui {
+namespace zenka::painting {
 namespace {
 
 TEST(EclipseTrack, aPathOverTheDateLineRunsOnWithoutAJump) {
@@ -50,4 +50,4 @@ TEST(EclipseTrack, aPathWithoutACentralLineIsEmpty) {
 }
 
 } // namespace
-} // namespace zenka::ui
+} // namespace zenka::painting

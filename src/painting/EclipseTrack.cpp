@@ -1,10 +1,10 @@
-#include "ui/EclipseTrack.h"
+#include "painting/EclipseTrack.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
-namespace zenka::ui {
+namespace zenka::painting {
 
 namespace {
 
@@ -69,4 +69,4 @@ EclipseTrack computeTrack(const eclipse::Eclipse& eclipse) {
     return trackOf(eclipse::tracePath(eclipse, stepSeconds), eclipse::greatestDurationPoint(eclipse));
 }
 
-} // namespace zenka::ui
+} // namespace zenka::painting

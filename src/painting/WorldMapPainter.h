@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ui/EclipseTrack.h"
-#include "ui/MapProjection.h"
+#include "painting/EclipseTrack.h"
+#include "painting/MapProjection.h"
 
 #include <QColor>
 #include <QFont>
@@ -9,7 +9,7 @@
 
 #include <optional>
 
-namespace zenka::ui {
+namespace zenka::painting {
 
 struct MapColors {
     QColor sea;
@@ -37,4 +37,4 @@ void paintLand(QPainter& painter, const MapProjection& map, const MapColors& col
 void paintMarks(QPainter& painter, const MapProjection& map, const MapColors& colors, const MapMarks& marks,
                 const QFont& font);
 
-} // namespace zenka::ui
+} // namespace zenka::painting

@@ -1,4 +1,4 @@
-#include "ui/MapProjection.h"
+#include "painting/MapProjection.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
-namespace zenka::ui {
+namespace zenka::painting {
 namespace {
 
 MapProjection mapAt(double lat, double lon, double height) {
@@ -94,4 +94,4 @@ TEST(MapProjection, theMiddleOfTheMapIsTrueToShape) {
 }
 
 } // namespace
-} // namespace zenka::ui
+} // namespace zenka::painting

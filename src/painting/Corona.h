@@ -3,7 +3,7 @@
 #include <QColor>
 #include <QImage>
 
-namespace zenka::ui {
+namespace zenka::painting {
 
 /// How far out the picture of the corona goes, solar radii.
 inline constexpr double coronaReach = 3.6;
@@ -23,4 +23,4 @@ private:
     QColor color_;
 };
 
-} // namespace zenka::ui
+} // namespace zenka::painting

@@ -1,7 +1,7 @@
-#include "ui/WorldMapPainter.h"
+#include "painting/WorldMapPainter.h"
 
+#include "eclipse/SiteWords.h"
 #include "geo/Bundled.h"
-#include "ui/SiteWords.h"
 
 #include <QPainterPath>
 
@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace zenka::ui {
+namespace zenka::painting {
 
 namespace {
 
@@ -174,7 +174,7 @@ void paintMarks(QPainter& painter, const MapProjection& map, const MapColors& co
                 painter.drawPolygon(QPolygonF{at + QPointF(0, -7), at + QPointF(7, 0), at + QPointF(0, 7),
                                               at + QPointF(-7, 0)});
                 tag(painter, colors, at,
-                    QString::fromStdString("longest " + durationText(greatest->seconds)));
+                    QString::fromStdString("longest " + eclipse::durationText(greatest->seconds)));
             });
     }
     if (marks.site != marks.draft)
@@ -202,4 +202,4 @@ void paintMarks(QPainter& painter, const MapProjection& map, const MapColors& co
     paintScale(painter, map, colors);
 }
 
-} // namespace zenka::ui
+} // namespace zenka::painting
