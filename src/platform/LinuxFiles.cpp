@@ -18,6 +18,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr mode_t usersAlone = 0600;
+constexpr mode_t usersUsual = 0666; ///< less what the umask takes away
+
 bool writeFully(int file, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(file, bytes.data(), bytes.size());
@@ -47,13 +50,13 @@ void syncFolder(const fs::path& folder) {
 /// A new file under a hidden name, gone again with its object unless it was renamed.
 class TemporaryFile {
 public:
-    explicit TemporaryFile(const fs::path& folder) {
+    TemporaryFile(const fs::path& folder, mode_t mode) {
         static std::atomic<unsigned> counter{0};
         for (int attempt = 0; attempt < 100 && !handle_; ++attempt) {
             // the file's own name is left out: a long one would not fit with an addition
             path_ = folder / absl::StrFormat(".zenka-%d-%u", ::getpid(), counter++);
             handle_ =
-                Descriptor(::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+                Descriptor(::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, mode));
             if (!handle_ && errno != EEXIST)
                 break;
         }
@@ -116,6 +119,31 @@ bool makeFolder(const fs::path& folder) {
     return fs::is_directory(folder, fault);
 }
 
+/// A file there before keeps its rights as far as the mask goes.
+bool writeWhole(const fs::path& path, std::string_view bytes, mode_t fresh, mode_t mask) {
+    std::error_code fault;
+    fs::path target = path;
+    if (fs::is_symlink(path, fault)) {
+        target = fs::weakly_canonical(path, fault);
+        if (fault)
+            return false;
+    }
+    const fs::path folder = folderOf(target);
+    if (!makeFolder(folder))
+        return false;
+    TemporaryFile temporary(folder, fresh);
+    if (!temporary.handle())
+        return false;
+    struct stat existing {};
+    if (::stat(target.c_str(), &existing) == 0)
+        std::ignore =
+            ::fchmod(temporary.handle().get(), existing.st_mode & mask); // where the disk knows modes
+    if (!temporary.fill(bytes) || !temporary.handle().close() || !temporary.renameOver(target))
+        return false;
+    syncFolder(folder);
+    return true;
+}
+
 } // namespace
 
 std::optional<std::string> LinuxFiles::read(const fs::path& path) {
@@ -138,34 +166,18 @@ std::optional<std::string> LinuxFiles::read(const fs::path& path) {
 }
 
 bool LinuxFiles::writeAtomically(const fs::path& path, std::string_view bytes) {
-    std::error_code fault;
-    fs::path target = path;
-    if (fs::is_symlink(path, fault)) {
-        target = fs::weakly_canonical(path, fault);
-        if (fault)
-            return false;
-    }
-    const fs::path folder = folderOf(target);
-    if (!makeFolder(folder))
-        return false;
-    TemporaryFile temporary(folder);
-    if (!temporary.handle())
-        return false;
-    struct stat existing {};
-    if (::stat(target.c_str(), &existing) == 0)
-        std::ignore =
-            ::fchmod(temporary.handle().get(), existing.st_mode & 07777); // where the disk knows modes
-    if (!temporary.fill(bytes) || !temporary.handle().close() || !temporary.renameOver(target))
-        return false;
-    syncFolder(folder);
-    return true;
+    return writeWhole(path, bytes, usersAlone, 0700);
+}
+
+bool LinuxFiles::writeDocument(const fs::path& path, std::string_view bytes) {
+    return writeWhole(path, bytes, usersUsual, 07777);
 }
 
 std::unique_ptr<ports::AppendFile> LinuxFiles::create(const fs::path& path, std::string_view bytes) {
     const fs::path folder = folderOf(path);
     if (!makeFolder(folder))
         return nullptr;
-    TemporaryFile temporary(folder);
+    TemporaryFile temporary(folder, usersAlone);
     if (!temporary.fill(bytes))
         return nullptr;
     Descriptor handle;
@@ -173,7 +185,8 @@ std::unique_ptr<ports::AppendFile> LinuxFiles::create(const fs::path& path, std:
     case TemporaryFile::Placing::done: handle = std::move(temporary.handle()); break;
     case TemporaryFile::Placing::taken: return nullptr;
     case TemporaryFile::Placing::impossible:
-        handle = Descriptor(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        handle =
+            Descriptor(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, usersAlone));
         if (!handle)
             return nullptr;
         if (!writeFully(handle.get(), bytes) || !syncFile(handle.get())) {
@@ -189,7 +202,7 @@ std::unique_ptr<ports::AppendFile> LinuxFiles::openForAppending(const fs::path& 
     if (!makeFolder(folderOf(path)))
         return nullptr;
     Descriptor handle(
-        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600));
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, usersAlone));
     struct stat status {};
     if (!handle || ::fstat(handle.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return nullptr;

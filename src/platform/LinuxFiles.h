@@ -13,8 +13,9 @@ public:
     /// Regular files only: a pipe or a device could keep the caller waiting for ever.
     std::optional<std::string> read(const std::filesystem::path& path) override;
 
-    /// The mode of a file there already is kept, and a symbolic link stays one: what it names is written.
+    /// A symbolic link stays one: what it names is written.
     bool writeAtomically(const std::filesystem::path& path, std::string_view bytes) override;
+    bool writeDocument(const std::filesystem::path& path, std::string_view bytes) override;
 
     /// The file appears with its content whole, where the file system can rename or link without
     /// replacing (all but some removable ones, which get the plain exclusive way).

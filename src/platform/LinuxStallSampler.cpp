@@ -73,7 +73,7 @@ bool LinuxStallSampler::sampleTo(const fs::path& file) {
     std::array<int, 2> ends{-1, -1};
     std::optional<pid_t> child;
     {
-        const Descriptor output(::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        const Descriptor output(::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
         if (output && ::pipe2(ends.data(), O_CLOEXEC) == 0) {
             const Descriptor input(ends[0]);
             const Descriptor word(ends[1]);

@@ -2,6 +2,7 @@
 
 #include "base/CivilTime.h"
 #include "base/Text.h"
+#include "platform/Descriptor.h"
 #include "platform/LinuxClock.h"
 #include "platform/LinuxFolders.h"
 
@@ -9,7 +10,10 @@
 #include <QSettings>
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <mutex>
+#include <sys/stat.h>
+#include <tuple>
 
 namespace zenka::platform {
 
@@ -32,6 +36,18 @@ std::string textOf(const QVariant& value) {
 
 fs::path usualFile() {
     return LinuxFolders::base("XDG_CONFIG_HOME", ".config") / "ZenkaRig" / "zenka.conf";
+}
+
+/// The file holds places and tokens. Qt would make one that all can read, but keeps the rights of one there.
+void keepFromOthers(const fs::path& file) {
+    std::error_code fault;
+    if (fs::create_directories(file.parent_path(), fault))
+        ::chmod(file.parent_path().c_str(), 0700);
+    struct stat status {};
+    const Descriptor handle(
+        ::open(file.c_str(), O_RDONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600));
+    if (handle && ::fstat(handle.get(), &status) == 0 && S_ISREG(status.st_mode))
+        std::ignore = ::fchmod(handle.get(), status.st_mode & 0700);
 }
 
 } // namespace
@@ -60,6 +76,7 @@ public:
         }
         if (changes.empty())
             return;
+        keepFromOthers(QFile::encodeName(file_).toStdString());
         QSettings settings(file_, QSettings::IniFormat);
         for (const auto& [key, value] : changes) {
             if (value)

@@ -18,7 +18,9 @@ public:
     virtual bool append(std::string_view bytes) = 0;
 };
 
-/// The disk. Every call may wait for it, so none belongs on the main thread during a run.
+/// The disk. Every call may wait for it, so none belongs on the main thread during a run. What is written can
+/// be read by the user alone, for much of it tells where he is or how to get at a server of his; only a
+/// document is made for others, too.
 class Files {
 public:
     virtual ~Files() = default;
@@ -30,12 +32,16 @@ public:
     /// Makes missing folders.
     virtual bool writeAtomically(const std::filesystem::path& path, std::string_view bytes) = 0;
 
+    /// Likewise a document of the user's, such as a script. It has the rights of the one there before, a new
+    /// one those that the user's files have in general.
+    virtual bool writeDocument(const std::filesystem::path& path, std::string_view bytes) = 0;
+
     /// Makes a new file with this content and keeps it open for appending. Makes missing folders.
     /// Nothing when the name is taken (the file there stays as it is) or the file cannot be made.
     virtual std::unique_ptr<AppendFile> create(const std::filesystem::path& path, std::string_view bytes) = 0;
 
-    /// Opens a file for appending. One that is not there is made, with missing folders, readable by the user
-    /// alone. Nothing when it can be neither opened nor made.
+    /// Opens a file for appending. One that is not there is made, with missing folders. Nothing when it can
+    /// be neither opened nor made.
     virtual std::unique_ptr<AppendFile> openForAppending(const std::filesystem::path& path) = 0;
 
     /// The names of the regular files of a folder, ascending; none when it cannot be listed.

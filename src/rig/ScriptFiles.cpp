@@ -55,7 +55,7 @@ void ScriptFiles::write(const std::string& path, std::string text, bool windowsL
     queue_->post([&files = ports_.files, &loop = ports_.loop, path, text = std::move(text), windowsLineEnds,
                   done = lifeline_.guard(std::move(done))] {
         const bool written =
-            files.writeAtomically(path, windowsLineEnds ? base::replacedAll(text, "\n", "\r\n") : text);
+            files.writeDocument(path, windowsLineEnds ? base::replacedAll(text, "\n", "\r\n") : text);
         loop.post([done, written] { done(written); });
     });
 }

@@ -28,17 +28,33 @@ protected:
     LinuxFiles files_;
 };
 
-TEST_F(LinuxFilesTest, anAtomicWriteMakesFoldersKeepsTheModeAndLeavesNothingElse) {
+TEST_F(LinuxFilesTest, anAtomicWriteMakesFoldersAndLeavesNothingElse) {
     const fs::path folder = scratch_.path() / "new" / "sub folder";
     const fs::path path = folder / (std::string(251, 'n') + ".csv"); // the longest name a disk takes
     const std::string binary("zero \0 and \r\n", 13);
     ASSERT_TRUE(files_.writeAtomically(path, binary));
     EXPECT_EQ(files_.read(path), binary);
-    ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
     ASSERT_TRUE(files_.writeAtomically(path, ""));
     EXPECT_EQ(files_.read(path), "");
-    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
     EXPECT_EQ(entries(folder), 1U);
+}
+
+TEST_F(LinuxFilesTest, othersReadDocumentsAlone) {
+    const mode_t usual = ::umask(022);
+    const auto rights = [&](const char* name) { return fs::status(scratch_.path() / name).permissions(); };
+    ASSERT_TRUE(files_.writeAtomically(scratch_.path() / "sites.json", "here"));
+    EXPECT_EQ(rights("sites.json"), fs::perms(0600));
+    ASSERT_EQ(::chmod((scratch_.path() / "sites.json").c_str(), 0755), 0);
+    ASSERT_TRUE(files_.writeAtomically(scratch_.path() / "sites.json", "there"));
+    EXPECT_EQ(rights("sites.json"), fs::perms(0700)) << "also when it could be read before";
+    ASSERT_TRUE(files_.create(scratch_.path() / "log.csv", "row"));
+    EXPECT_EQ(rights("log.csv"), fs::perms(0600));
+    ASSERT_TRUE(files_.writeDocument(scratch_.path() / "new.zenka", "script"));
+    EXPECT_EQ(rights("new.zenka"), fs::perms(0644));
+    ASSERT_EQ(::chmod((scratch_.path() / "new.zenka").c_str(), 0664), 0);
+    ASSERT_TRUE(files_.writeDocument(scratch_.path() / "new.zenka", "another"));
+    EXPECT_EQ(rights("new.zenka"), fs::perms(0664)) << "its rights are the user's own affair";
+    ::umask(usual);
 }
 
 TEST_F(LinuxFilesTest, anAtomicWriteGoesThroughASymbolicLink) {

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <random>
+#include <sys/stat.h>
 
 namespace zenka::platform {
 namespace {
@@ -134,6 +135,24 @@ TEST_F(QtSettingsTest, aBurstOfWritesIsOneWriteAndComesToTheDiskByItself) {
     EXPECT_LE(queues.count, 5); // one, unless this thread was put aside for long
     EXPECT_TRUE(test::serveUntil(
         [&] { return files_.read(file_).value_or("").find("clock=999") != std::string::npos; }));
+}
+
+TEST_F(QtSettingsTest, nobodyElseCanReadTheFile) {
+    const auto rights = [&] { return fs::status(file_).permissions(); };
+    const mode_t usual = ::umask(022);
+    {
+        QtSettings settings(queues_, file_);
+        settings.setText("zenka.terrainToken", "secret");
+        ASSERT_TRUE(settings.flush(patience));
+        EXPECT_EQ(rights(), fs::perms(0600));
+        EXPECT_EQ(fs::status(file_.parent_path()).permissions(), fs::perms(0700));
+    }
+    ASSERT_EQ(::chmod(file_.c_str(), 0644), 0);
+    QtSettings settings(queues_, file_);
+    settings.setText("zenka.terrainToken", "other");
+    ASSERT_TRUE(settings.flush(patience));
+    EXPECT_EQ(rights(), fs::perms(0600));
+    ::umask(usual);
 }
 
 TEST_F(QtSettingsTest, aDamagedFileGivesWhatCanBeReadAndIsKept) {

@@ -30,6 +30,10 @@ public:
         return true;
     }
 
+    bool writeDocument(const std::filesystem::path& path, std::string_view bytes) override {
+        return writeAtomically(path, bytes);
+    }
+
     std::unique_ptr<ports::AppendFile> create(const std::filesystem::path& path,
                                               std::string_view bytes) override {
         if (broken || contents.contains(path))
