@@ -13,9 +13,10 @@ constexpr double speechRate = 0.96; // of the user's usual one
 
 } // namespace
 
-Announcer::Announcer(const ports::Ports& ports, RigLog& log, const ScriptDesk& script)
-    : ports_(ports), log_(log), script_(script), voices_(ports), speaker_(ports, log), shell_(ports, log),
-      audioEnabled_(ports.settings.flag(settingsKeys::audioEnabled).value_or(true)) {
+Announcer::Announcer(const ports::Ports& ports, RigLog& log, const ScriptDesk& script,
+                     const CommandConsent& consent)
+    : ports_(ports), log_(log), script_(script), consent_(consent), voices_(ports), speaker_(ports, log),
+      shell_(ports, log), audioEnabled_(ports.settings.flag(settingsKeys::audioEnabled).value_or(true)) {
 }
 
 void Announcer::announceDue(double clock) {
@@ -25,6 +26,9 @@ void Announcer::announceDue(double clock) {
 
 void Announcer::announceCue(const script::AudioCue& cue) {
     if (!cue.shell.empty()) {
+        if (!consent_.mayRun(cue.shell))
+            return log_.pushLog("⏭ " + cue.refLabel + ": the command “" + cue.text +
+                                "” was not run, for it came with a file and has not been allowed.");
         log_.pushLog("⚙︎ " + cue.refLabel + ": " + cue.text);
         shell_.runShell(cue.shell, cue.text);
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ports/Ports.h"
+#include "rig/CommandConsent.h"
 #include "rig/RigLog.h"
 #include "rig/ScriptDesk.h"
 #include "rig/ShellCues.h"
@@ -15,7 +16,8 @@ namespace zenka::rig {
 /// Tells the script's cues at their instants, and speaks what else is to be heard. Main thread.
 class Announcer {
 public:
-    Announcer(const ports::Ports& ports, RigLog& log, const ScriptDesk& script);
+    Announcer(const ports::Ports& ports, RigLog& log, const ScriptDesk& script,
+              const CommandConsent& consent);
 
     /// Announces all cues at or before the clock that have not been announced.
     void announceDue(double clock);
@@ -52,6 +54,7 @@ private:
     const ports::Ports& ports_;
     RigLog& log_;
     const ScriptDesk& script_;
+    const CommandConsent& consent_;
     VoiceChoice voices_;
     SpeechQueue speaker_;
     ShellCues shell_;

@@ -291,6 +291,15 @@ void scriptValidation(const PreflightSources& rig, List& list) {
     list.add("Script validation", ok, "No timing or cadence issues.");
 }
 
+void commands(const PreflightSources& rig, List& list) {
+    const auto& waiting = rig.consent.waiting().get();
+    if (!waiting.empty())
+        list.add("Commands", warn,
+                 absl::StrFormat("%s of the script came with its file and will not be run before you allow "
+                                 "it. Read what is to be run under Script, Commands….",
+                                 base::counted(std::ssize(waiting), "command")));
+}
+
 void sharedTokens(const PreflightSources& rig, List& list) {
     for (const std::string& token : rig.script.cameraTokens()) {
         const Cameras bodies = rig.roster.camerasFor(token);
@@ -384,6 +393,7 @@ std::vector<PreflightCheck> preflightChecks(const PreflightSources& rig) {
     batteries(rig, live, list);
     scriptCameras(rig, list);
     scriptValidation(rig, list);
+    commands(rig, list);
     machine(rig, list);
     clock(rig, list);
     powerAndDisk(rig, list);

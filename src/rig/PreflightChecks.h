@@ -5,6 +5,7 @@
 #include "rig/BodyModes.h"
 #include "rig/CadenceAdvisor.h"
 #include "rig/CameraRoster.h"
+#include "rig/CommandConsent.h"
 #include "rig/HealthMonitor.h"
 #include "rig/HorizonDesk.h"
 #include "rig/MutedGuard.h"
@@ -39,6 +40,7 @@ struct PreflightSources {
     const CameraRoster& roster;
     const BodyModes& modes;
     const ScriptDesk& script;
+    const CommandConsent& consent;
     const ScriptValidator& validator;
     const CadenceAdvisor& cadence;
     const BatteryWatch& batteries;

@@ -13,7 +13,7 @@ constexpr base::Seconds exitLimit{2}; ///< for a body to be let go of at the end
 RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
                    const CameraDetector::Families& families)
     : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
-      horizons_(ports_, site_), script_(ports_, log_, site_),
+      horizons_(ports_, site_), script_(ports_, log_, site_), consent_(ports_.settings, log_, script_),
       logbook_(ports_, log_, site_, roster_, appVersion), sleepGuard_(ports_.keepAwake, log_),
       transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
       keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion), floors_(ports_.settings),
@@ -29,8 +29,9 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
       analyzer_(ports_, log_, script_, transport_, logbook_, cards_), modes_(log_, roster_),
       detector_(ports_, log_, roster_, transport_, families),
       reconnect_(ports_, log_, roster_, logbook_, transport_, families),
-      heldSessions_(ports_, log_, roster_, fireLoop_, inUse_, families), announcer_(ports_, log_, script_),
-      alarmSound_(ports_, log_), audio_(ports_, log_, [this] { return voiceWanted(); }),
+      heldSessions_(ports_, log_, roster_, fireLoop_, inUse_, families),
+      announcer_(ports_, log_, script_, consent_), alarmSound_(ports_, log_),
+      audio_(ports_, log_, [this] { return voiceWanted(); }),
       batteries_(ports_, log_, roster_, transport_, modes_), health_(ports_, log_), time_(ports_, log_),
       preflight_(ports_, log_,
                  {.site = site_,
@@ -39,6 +40,7 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
                   .roster = roster_,
                   .modes = modes_,
                   .script = script_,
+                  .consent = consent_,
                   .validator = validator_,
                   .cadence = cadence_,
                   .batteries = batteries_,
@@ -72,6 +74,7 @@ RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
     transport_.runBegan().connect([this](TimingMode mode) {
         outcomes_.clearResults();
         exposure_.resetForRun();
+        consent_.runBegins();
         keeper_.saveRunState(mode == TimingMode::live ? RunState::ArmKind::real
                                                       : RunState::ArmKind::simulation);
     });

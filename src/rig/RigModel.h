@@ -11,6 +11,7 @@
 #include "rig/CameraProfiler.h"
 #include "rig/CameraRoster.h"
 #include "rig/CardWatch.h"
+#include "rig/CommandConsent.h"
 #include "rig/ExposureCheck.h"
 #include "rig/ExposureControl.h"
 #include "rig/FireClock.h"
@@ -71,6 +72,7 @@ public:
     SiteBook& sites() { return sites_; }
     HorizonDesk& horizons() { return horizons_; }
     ScriptDesk& script() { return script_; }
+    CommandConsent& consent() { return consent_; }
     CameraRoster& roster() { return roster_; }
     RunLogbook& logbook() { return logbook_; }
     SleepGuard& sleepGuard() { return sleepGuard_; }
@@ -120,6 +122,7 @@ private:
     SiteBook sites_;
     HorizonDesk horizons_;
     ScriptDesk script_;
+    CommandConsent consent_;
     CameraRoster roster_;
     RunLogbook logbook_;
     SleepGuard sleepGuard_;

@@ -105,7 +105,7 @@ void RunKeeper::resumeRun() {
         site.label = state->siteLabel;
     if (!state->tzId.empty())
         site.tzId = state->tzId;
-    script_.load(state->scriptText, script_.currentScriptName().get());
+    script_.takeBack(state->scriptText);
     ports_.settings.setText(settingsKeys::scriptText, state->scriptText);
     site_.choose(state->eclipseId, std::move(site));
     site_.recompute();

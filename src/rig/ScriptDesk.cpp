@@ -37,6 +37,8 @@ void ScriptDesk::restore() {
     const bool mayBeLost = saved && !base::trimmed(*saved).empty();
     const std::string savedFile = ports_.settings.text(settingsKeys::scriptFile).value_or("");
 
+    if (saved)
+        arrived_.emit(*saved, Arrival::lastTime);
     const bool defaultLoaded = defaultPath && loadNow(*defaultPath);
     if (defaultPath && !defaultLoaded)
         log_.pushLog("⚠️ The script for each start could not be read: " + *defaultPath +
@@ -75,10 +77,15 @@ void ScriptDesk::setScriptText(std::string text) {
 }
 
 void ScriptDesk::load(std::string text, std::string name) {
-    // A run that is picked up again brings the very script that stands: it keeps its file.
-    Origin origin = text == scriptText_.get() ? origins_[origin_] : Origin{.saved = Fingerprint::of(text)};
-    origin.name = std::move(name);
-    replace(std::move(text), std::move(origin));
+    const auto saved = Fingerprint::of(text);
+    replace(std::move(text), {.name = std::move(name), .saved = saved});
+}
+
+void ScriptDesk::takeBack(std::string text) {
+    if (text == scriptText_.get())
+        return;
+    arrived_.emit(text, Arrival::atStart);
+    load(std::move(text), currentScriptName_.get());
 }
 
 void ScriptDesk::replace(std::string text, Origin origin) {
@@ -182,11 +189,12 @@ bool ScriptDesk::loadNow(const std::string& path) {
     ScriptFiles::Read read = files_.readNow(path);
     if (!read.text)
         return false;
-    takeFile(path, *std::move(read.text), read.windowsLineEnds);
+    takeFile(path, *std::move(read.text), read.windowsLineEnds, Arrival::atStart);
     return true;
 }
 
-void ScriptDesk::takeFile(const std::string& path, std::string text, bool windowsLineEnds) {
+void ScriptDesk::takeFile(const std::string& path, std::string text, bool windowsLineEnds, Arrival arrival) {
+    arrived_.emit(text, arrival);
     const auto saved = Fingerprint::of(text);
     replace(std::move(text), {.name = ScriptFiles::nameOf(path),
                               .file = path,
@@ -198,7 +206,7 @@ void ScriptDesk::openFile(const std::string& path, Done done) {
     files_.read(path, lifeline_.guard([this, path, done = std::move(done)](ScriptFiles::Read read) {
         if (!read.text)
             return done(read.fault + " The script here is as it was.");
-        takeFile(path, *std::move(read.text), read.windowsLineEnds);
+        takeFile(path, *std::move(read.text), read.windowsLineEnds, Arrival::opened);
         files_.noteRecent(path);
         compile();
         done({});
@@ -208,7 +216,8 @@ void ScriptDesk::openFile(const std::string& path, Done done) {
 void ScriptDesk::saveFile(const std::string& path, Done done) {
     keep();
     const auto saved = Fingerprint::of(scriptText_.get());
-    const auto written = [this, path, saved, number = origin_, done = std::move(done)](bool ok) {
+    const auto written = [this, path, saved, number = origin_, text = scriptText_.get(),
+                          done = std::move(done)](bool ok) {
         if (!ok)
             return done(absl::StrFormat("\"%s\" could not be written: the folder may be full or closed to "
                                         "you. The text is kept here; save it to another folder.",
@@ -220,6 +229,7 @@ void ScriptDesk::saveFile(const std::string& path, Done done) {
         origin.saved = saved;
         publishOrigin();
         keep();
+        saved_.emit(text);
         done({});
     };
     files_.write(path, scriptText_.get(), origins_[origin_].windowsLineEnds, lifeline_.guard(written));
@@ -260,8 +270,11 @@ std::optional<std::string> ScriptDesk::unsavedText() const {
 }
 
 void ScriptDesk::bringBackUnsavedText() {
-    if (auto text = unsavedText())
-        loadExample(*std::move(text), "Unsaved text");
+    auto text = unsavedText();
+    if (!text)
+        return;
+    arrived_.emit(*text, Arrival::opened); // it may once have come from a file
+    loadExample(*std::move(text), "Unsaved text");
 }
 
 void ScriptDesk::keep() {

@@ -27,6 +27,13 @@ public:
         double last = 0;
     };
 
+    /// How a text came here that the user did not write here.
+    enum class Arrival {
+        opened,   ///< from a file that the user has just chosen
+        atStart,  ///< from a file that the program begins with
+        lastTime, ///< as it stood when the program ended
+    };
+
     /// Hears a sentence for the user: empty when all went well.
     using Done = std::function<void(const std::string& fault)>;
 
@@ -69,6 +76,10 @@ public:
     /// Takes a whole script at once; compile() follows up.
     void load(std::string text, std::string name);
 
+    /// Takes the script of a run that is resumed; compile() follows up. Mostly it is the one that stands, and
+    /// keeps its file.
+    void takeBack(std::string text);
+
     /// Which script the text on the desk belongs to: a number for each that was taken.
     std::size_t origin() const { return origin_; }
     /// An undo or a redo has brought back the text of another script: name and file come back with it, so
@@ -108,6 +119,10 @@ public:
     bool compiling() const { return takenCompile_ != wantedCompile_; }
 
     sigc::signal<void()>& compiled() { return compiled_; }
+    /// A text from outside has come, and is about to be compiled.
+    sigc::signal<void(const std::string& text, Arrival)>& arrived() { return arrived_; }
+    /// The text was written to a file.
+    sigc::signal<void(const std::string& text)>& saved() { return saved_; }
 
 private:
     /// Enough of a text to know it again.
@@ -133,7 +148,7 @@ private:
 
     /// False, and nothing changed, when the file cannot be read as UTF-8.
     bool loadNow(const std::string& path);
-    void takeFile(const std::string& path, std::string text, bool windowsLineEnds);
+    void takeFile(const std::string& path, std::string text, bool windowsLineEnds, Arrival arrival);
     void replace(std::string text, Origin origin);
     void compareWithLastFile(const std::string& path);
     void publishOrigin();
@@ -162,6 +177,8 @@ private:
     std::size_t wantedCompile_ = 0; // only the result of the compile asked for last is taken
     ports::MainLoop::TimerId debounce_ = ports::MainLoop::TimerId::none;
     sigc::signal<void()> compiled_;
+    sigc::signal<void(const std::string&, Arrival)> arrived_;
+    sigc::signal<void(const std::string&)> saved_;
     base::Lifeline lifeline_;
 };
 

@@ -11,7 +11,10 @@ inline constexpr char recentScripts[] = "eclipse.recentScripts";                
 inline constexpr char scriptText[] = "eclipse.scriptText";
 inline constexpr char scriptName[] = "eclipse.scriptName";
 inline constexpr char scriptFile[] = "zenka.scriptFile"; ///< the path the text was opened from or saved to
-inline constexpr char unsavedText[] = "zenka.unsavedScriptText"; ///< that another script took the place of
+inline constexpr char unsavedText[] = "zenka.unsavedScriptText";   ///< that another script took the place of
+inline constexpr char allowedCommands[] = "zenka.allowedCommands"; ///< JSON array of command lines
+inline constexpr char commandsWithheld[] =
+    "zenka.commandsWithheld"; ///< flag: the text of last time holds some that wait for leave
 inline constexpr char defaultScriptPath[] = "zenka.defaultScriptPath";
 inline constexpr char welcomeSeen[] = "zenka.welcomeSeen";
 inline constexpr char simClock[] = "eclipse.simClock"; ///< "eclipseId|clock"

@@ -21,6 +21,13 @@ void collect(const std::vector<Node>& nodes, std::vector<CommandLine>& found) {
 
 } // namespace
 
+bool canBeRead(std::span<const CommandLine> commands) {
+    std::size_t bytes = 0;
+    for (const CommandLine& command : commands)
+        bytes += command.shell.size();
+    return commands.size() <= mostCommandsToRead && bytes <= mostCommandBytesToRead;
+}
+
 std::vector<CommandLine> commandLines(std::string_view text) {
     const Limits limits;
     Diagnostics unused(0);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +15,11 @@ struct CommandLine {
 
     friend bool operator==(const CommandLine&, const CommandLine&) = default;
 };
+
+/// More than these nobody can be asked to look through.
+inline constexpr std::size_t mostCommandsToRead = 100;
+inline constexpr std::size_t mostCommandBytesToRead = 16 << 10;
+bool canBeRead(std::span<const CommandLine> commands);
 
 /// Every COMMAND line of a text that the compiler would take, whatever the site, in the text's order. Those
 /// that speak are none. Pure.

@@ -262,10 +262,7 @@ ScriptAssistant::Loading ScriptAssistant::tryLoading(const std::vector<script::C
         return Loading::refused;
     }
     const auto& commands = findings->commands;
-    std::size_t bytes = 0;
-    for (const script::CommandLine& command : commands)
-        bytes += command.shell.size();
-    if (commands.size() > mostCommands || bytes > mostCommandBytes) {
+    if (!script::canBeRead(commands)) {
         refuse("This script runs more commands on your computer than one can look through, so it was not "
                "loaded. Ask for one without them.");
         return Loading::refused;

@@ -29,8 +29,6 @@ public:
     static constexpr std::size_t mostMessages = 200;
     static constexpr std::size_t mostChatBytes = 8 << 20;
     static constexpr std::size_t mostScriptBytes = 1 << 20;
-    static constexpr std::size_t mostCommands = 100; ///< that one can be asked to look at
-    static constexpr std::size_t mostCommandBytes = 16 << 10;
 
     /// Both outlive it.
     ScriptAssistant(rig::RigModel& rig, const ports::Ports& ports);

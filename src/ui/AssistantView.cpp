@@ -4,6 +4,7 @@
 #include "rig/RigModel.h"
 #include "services/ScriptAssistant.h"
 #include "ui/AppView.h"
+#include "ui/CommandText.h"
 #include "ui/Observe.h"
 #include "ui/QtText.h"
 
@@ -21,22 +22,6 @@ using services::ScriptAssistant;
 constexpr std::size_t mostShownOfScript = 128 << 10; ///< bytes
 constexpr std::size_t mostShownInRun = 16 << 10;     ///< that are laid out without holding up a frame
 constexpr std::ptrdiff_t mostShownFindings = 200;
-
-/// A command with all in it to be seen: what is invisible, or turns the text around it, stands as its number.
-QString laidOpen(const std::string& command) {
-    QString open;
-    for (const uint letter : qt(command).toUcs4()) {
-        const auto category = QChar::category(static_cast<char32_t>(letter));
-        const bool hidden = category == QChar::Other_Control || category == QChar::Other_Format ||
-                            category == QChar::Other_Surrogate || category == QChar::Other_PrivateUse ||
-                            category == QChar::Other_NotAssigned || category == QChar::Separator_Line ||
-                            category == QChar::Separator_Paragraph ||
-                            (category == QChar::Separator_Space && letter != ' ');
-        const auto point = static_cast<char32_t>(letter);
-        open += hidden ? QStringLiteral("\\u{%1}").arg(letter, 0, 16) : QString::fromUcs4(&point, 1);
-    }
-    return open;
-}
 
 } // namespace
 
@@ -262,10 +247,7 @@ void AssistantView::loadConfirmed(const std::vector<script::CommandLine>& confir
         if (!known)
             return;
         asked_ = known->commands;
-        QStringList lines;
-        for (const script::CommandLine& command : asked_)
-            lines.append(QStringLiteral("line %1:  %2").arg(command.lineNo).arg(laidOpen(command.shell)));
-        commandsToConfirm_ = lines.join(u'\n');
+        commandsToConfirm_ = commandText(asked_);
         Q_EMIT scriptChanged();
         return;
     }

@@ -17,6 +17,7 @@
 #include "ui/Commands.h"
 #include "ui/CompRulesView.h"
 #include "ui/CompensationView.h"
+#include "ui/ConsentView.h"
 #include "ui/EclipseList.h"
 #include "ui/EditTarget.h"
 #include "ui/FeedbackView.h"
@@ -108,6 +109,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     });
     auto* script = new ScriptView(rig, ports, this);
     context.setContextProperty(QStringLiteral("script"), script);
+    context.setContextProperty(QStringLiteral("consent"), new ConsentView(rig, *app_, this));
     auto* wizard = new WizardView(rig, ports, this);
     context.setContextProperty(QStringLiteral("wizard"), wizard);
     connect(wizard, &WizardView::applied, script, &ScriptView::noteWizard);

@@ -85,3 +85,33 @@ TEST_F(WindowScript, armingIsHeldBackByAMeasuredBodyAndWarnsOfAGuessedOne) {
     EXPECT_TRUE(rig.model.transport().live()) << "the user has been told";
     EXPECT_EQ(sheet(), QString());
 }
+
+TEST_F(WindowScript, commandsThatCameWithAFileAreReadBeforeTheyMayRun) {
+    rig.files.contents["/home/got.zenka"] = "COMMAND,MAX,-,00:20, , , , , , , , ,Lights;lights \xE2\x80\xAE"
+                                            "ffo\n" +
+                                            rig.frameAt(0);
+    window.key(Qt::Key_E, Qt::ControlModifier);
+    window.settle();
+    ASSERT_EQ(sheet(), "Script");
+    rig.model.script().openFile("/home/got.zenka", [](const std::string&) {});
+    rig.run(0.1);
+    window.settle();
+    ASSERT_EQ(sheet(), "Consent");
+    EXPECT_EQ(window.named("consentCommands")->property("text").toString(),
+              QStringLiteral("line 1:  lights \\u{202e}ffo"))
+        << "nothing turns the text around";
+    window.key(Qt::Key_Escape);
+    EXPECT_EQ(sheet(), "Script");
+    EXPECT_EQ(rig.model.consent().waiting()->size(), 1U) << "a glance is no leave";
+
+    window.click(window.named("consentButton"));
+    ASSERT_EQ(sheet(), "Consent");
+    EXPECT_EQ(window.focused(), window.named("consentRefuse")) << "a careless Enter allows nothing";
+    window.key(Qt::Key_Tab);
+    EXPECT_EQ(window.focused(), window.named("consentAllow"));
+    window.key(Qt::Key_Space);
+    window.settle();
+    EXPECT_EQ(sheet(), "Script");
+    EXPECT_TRUE(rig.model.consent().waiting()->empty());
+    EXPECT_EQ(window.named("consentButton"), nullptr);
+}

@@ -147,6 +147,14 @@ SheetFrame {
                 }
             }
             ZButton { objectName: "validateButton"; text: "Validate"; onClicked: script.validate() }
+            ZButton {
+                objectName: "consentButton"
+                visible: consent.count > 0
+                danger: true
+                text: "⚠ Commands…"
+                Accessible.name: "Commands that wait for your leave"
+                onClicked: app.openPage("Consent")
+            }
             ZButton { text: "Wizard…"; Accessible.name: "Script Wizard"; onClicked: app.openPage("Wizard") }
             ZButton { text: "Undo"; enabled: area.canUndo; onClicked: area.undo() }
             ZButton { text: "Redo"; enabled: area.canRedo; onClicked: area.redo() }

@@ -195,6 +195,28 @@ void shootAnalyzer(test::VirtualRig& rig, ui::Window& window, Album& album) {
 
 /// The list before arming with much to mend, chips and their details, the bar of warnings and what is spoken,
 /// in every theme and size.
+/// The question about commands that came with a file.
+void shootConsent(test::VirtualRig& rig, ui::Window& window, Album& album) {
+    rig.files.contents["/home/got.zenka"] =
+        "COMMAND,C2,-,00:30, , , , , , , , ,Dim;brightnessctl set 5%\n"
+        "COMMAND,C3,+,00:30, , , , , , , , ,Bright;brightnessctl set 100% && paplay "
+        "/usr/share/sounds/freedesktop/stereo/complete.oga\n";
+    for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
+        window.quickWindow()->resize(size);
+        for (const char* theme : {"Sunlight", "Dark", "Night"}) {
+            window.theme().choose(QString::fromLatin1(theme));
+            const std::string suffix = std::string("-") + theme + "-" + std::to_string(size.width());
+            window.app().openSheet(QStringLiteral("Script"));
+            rig.model.script().openFile("/home/got.zenka", [](const std::string&) {});
+            rig.run(0.1);
+            album.shoot("Consent-question" + suffix);
+            window.app().closeSheet();
+            album.shoot("Consent-script" + suffix);
+            window.app().closeSheet();
+        }
+    }
+}
+
 void shootPreflight(test::VirtualRig& rig, ui::Window& window, Album& album) {
     const auto body = std::make_shared<test::ScriptedCamera>("z8");
     body->status = {.isManual = false, .modeName = "A", .batteryPercent = 9};
@@ -500,6 +522,8 @@ int main(int argc, char** argv) {
         shootHorizon(rig, window, album);
     if (wanted("Assistant"))
         shootAssistant(rig, window, album);
+    if (wanted("Consent"))
+        shootConsent(rig, window, album);
     if (wanted("Preflight"))
         shootPreflight(rig, window, album);
     if (wanted("Service"))
