@@ -2,6 +2,7 @@
 #include "cameras/gphoto2/GPhoto2Program.h"
 #include "cameras/usb/USBHolders.h"
 #include "cli/Switches.h"
+#include "painting/AppIcon.h"
 #include "platform/LinuxFolders.h"
 #include "platform/LinuxPorts.h"
 #include "platform/QtSettings.h"
@@ -17,6 +18,7 @@
 #include "services/UpdateCheck.h"
 #include "ui/Window.h"
 
+#include <QFile>
 #include <QGuiApplication>
 
 #include <csignal>
@@ -47,6 +49,7 @@ int runWindow(int argc, char** argv) {
     QGuiApplication::setApplicationVersion(QStringLiteral(ZENKA_VERSION));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Zenka"));
     QGuiApplication::setDesktopFileName(QStringLiteral("zenka"));
+    QGuiApplication::setWindowIcon(painting::windowIcon());
     platform::ThreadWorkQueues settingsQueues;
     platform::QtSettings settings(settingsQueues);
     for (const char* key : rig::settingsKeys::deployment)
@@ -123,6 +126,9 @@ int runWindow(int argc, char** argv) {
         rig.log().pushLog("⚠️ " + *damage);
     if (!window.show())
         return 1;
+    // What a file manager passes on. A switch that lacks its values is none of that.
+    if (argc > 1 && argv[1][0] != '-')
+        window.openScript(QFile::decodeName(argv[1]));
     const int status = QGuiApplication::exec();
     machine.usb.watch({});
     mainThread->close();

@@ -1,6 +1,7 @@
 #include "cli/Switches.h"
 
 #include "cli/Analyze.h"
+#include "cli/AppIconFile.h"
 #include "cli/CompileFile.h"
 #include "cli/HorizonTest.h"
 #include "cli/Rehearse.h"
@@ -29,7 +30,7 @@ struct Switch {
 };
 
 // The order is fixed: of several switches given, the first of this table is run.
-constexpr std::array<Switch, 8> switches{{
+constexpr std::array<Switch, 9> switches{{
     {"--sony", 0, [](Values) { probeSony(); }},
     {"--usb-names", 0, [](Values) { printUsbNames(); }},
     {"--usb-holders", 0, [](Values values) { printUsbHolders(values.empty() ? "" : values[0]); }},
@@ -37,6 +38,7 @@ constexpr std::array<Switch, 8> switches{{
     {"--compile", 1, [](Values values) { compileFile(values[0]); }},
     {"--horizon-test", 2, [](Values values) { printHorizon(*placeIn(values)); },
      [](Values values) { return placeIn(values).has_value(); }},
+    {"--icon", 1, [](Values values) { renderAppIcon(values[0], 1024); }},
     {"--analyze", 2, [](Values values) { analyzeCLI(values[0], values[1]); }},
     {"--rehearse", 1, [](Values values) { rehearse(values[0], values.subspan(1)); }},
 }};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QIcon>
+#include <QImage>
+
+#include <string>
+
+namespace zenka::painting {
+
+/// The program's icon, a total eclipse with its diamond ring, at a size in pixels; with fewer details where
+/// they would be a blur. Needs no application object.
+QImage appIcon(int size);
+
+/// The same in the sizes that desktops ask for.
+QIcon windowIcon();
+
+/// The bytes of a PNG file.
+std::string pngOf(const QImage& image);
+
+} // namespace zenka::painting
