@@ -49,6 +49,7 @@
 
 #include <QDesktopServices>
 #include <QDir>
+#include <QFileInfo>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QQuickStyle>
@@ -107,15 +108,15 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
         app->openSheet(QStringLiteral("Script"));
         Q_EMIT app->scriptLineWanted(lineNo);
     });
-    auto* script = new ScriptView(rig, ports, this);
-    context.setContextProperty(QStringLiteral("script"), script);
+    script_ = new ScriptView(rig, ports, this);
+    context.setContextProperty(QStringLiteral("script"), script_);
     context.setContextProperty(QStringLiteral("consent"), new ConsentView(rig, *app_, this));
     auto* wizard = new WizardView(rig, ports, this);
     context.setContextProperty(QStringLiteral("wizard"), wizard);
-    connect(wizard, &WizardView::applied, script, &ScriptView::noteWizard);
+    connect(wizard, &WizardView::applied, script_, &ScriptView::noteWizard);
     auto* assistant = new AssistantView(rig, ports, *app_, this);
     context.setContextProperty(QStringLiteral("assistant"), assistant);
-    connect(assistant, &AssistantView::loaded, script, &ScriptView::noteAssistant);
+    connect(assistant, &AssistantView::loaded, script_, &ScriptView::noteAssistant);
     auto* location = new LocationView(rig, ports, this);
     context.setContextProperty(QStringLiteral("location"), location);
     context.setContextProperty(QStringLiteral("horizon"), new HorizonView(rig, ports, *location, this));
@@ -162,6 +163,11 @@ bool Window::show() {
     rig_.bootstrap();
     services_.start();
     return true;
+}
+
+void Window::openScript(const QString& path) {
+    app_->openSheet(QStringLiteral("Script"));
+    script_->open(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
 }
 
 QStringList Window::sheets() {

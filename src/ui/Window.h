@@ -26,6 +26,7 @@ namespace zenka::ui {
 class AppView;
 class Commands;
 class EditTarget;
+class ScriptView;
 class Theme;
 
 /// The one window: its view models, its commands, and the QML that shows them. Made behind a
@@ -41,6 +42,9 @@ public:
     /// Shows the window; false, with the reason on the error stream, when its QML cannot be loaded. The
     /// rig is started once the dashboard is up.
     bool show();
+
+    /// Opens a script from a file in its sheet.
+    void openScript(const QString& path);
 
     QQuickWindow* quickWindow() const;
     Commands& commands() { return *commands_; }
@@ -59,6 +63,7 @@ private:
     Commands* commands_ = nullptr;
     EditTarget* edit_ = nullptr;
     Theme* theme_ = nullptr;
+    ScriptView* script_ = nullptr;
     QQmlApplicationEngine* engine_ = nullptr;
 };
 

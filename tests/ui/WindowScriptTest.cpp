@@ -115,3 +115,17 @@ TEST_F(WindowScript, commandsThatCameWithAFileAreReadBeforeTheyMayRun) {
     EXPECT_TRUE(rig.model.consent().waiting()->empty());
     EXPECT_EQ(window.named("consentButton"), nullptr);
 }
+
+TEST_F(WindowScript, aFileThatTheProgramIsStartedWithIsOpened) {
+    rig.files.contents["/home/ann's shots.zenka"] = rig.frameAt(100);
+    window->openScript(QStringLiteral("/home/ann's shots.zenka"));
+    rig.run(0.1);
+    window.settle();
+    EXPECT_EQ(sheet(), "Script");
+    EXPECT_EQ(rig.model.script().currentScriptName().get(), "ann's shots.zenka");
+    window->openScript(QStringLiteral("/home/none.zenka"));
+    rig.run(0.1);
+    window.settle();
+    EXPECT_TRUE(window.says(QStringLiteral("\"none.zenka\" cannot be read.")));
+    EXPECT_EQ(rig.model.script().captures().size(), 1U);
+}
