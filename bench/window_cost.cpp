@@ -4,6 +4,7 @@
 #include "platform/LinuxPorts.h"
 #include "platform/virtual/VirtualMachine.h"
 #include "rig/RigModel.h"
+#include "services/GlanceDesk.h"
 #include "services/ServiceDesk.h"
 #include "support/TestFolders.h"
 #include "ui/AppView.h"
@@ -70,7 +71,8 @@ int main(int argc, char** argv) {
     platform::LinuxPorts machine(settings, folders);
     rig::RigModel rig(machine.all, "0");
     services::ServiceDesk services(machine.all, machine.names, rig, "0");
-    ui::Window window(rig, machine.all, services, QStringLiteral("0"));
+    services::GlanceDesk glance(machine.all, machine.pages, rig);
+    ui::Window window(rig, machine.all, services, glance, QStringLiteral("0"));
     if (!window.show())
         return 1;
 

@@ -13,6 +13,7 @@
 #include "rig/RigModel.h"
 #include "rig/SettingsKeys.h"
 #include "rig/SonyFamily.h"
+#include "services/GlanceDesk.h"
 #include "services/ModelStatsFetch.h"
 #include "services/ServiceDesk.h"
 #include "services/UpdateCheck.h"
@@ -112,6 +113,7 @@ int runWindow(int argc, char** argv) {
     const std::shared_ptr<void> atTheEnd(nullptr, [&mainThread](void*) { mainThread->close(); });
     services::ServiceDesk services(machine.all, machine.names, rig, ZENKA_VERSION);
     report = [&services](const auto& event, const auto& fields) { services.report(event, fields); };
+    services::GlanceDesk glance(machine.all, machine.pages, rig);
     services::ModelStatsFetch statistics(machine.all, gphoto2->modelStats());
     statistics.primeModelStats();
     rig.time().checkClockSkew();
@@ -121,7 +123,7 @@ int runWindow(int argc, char** argv) {
         rig.heldSessions().lookForGone();
     });
     const platform::QuitSignals quitSignals([] { QGuiApplication::exit(0); });
-    ui::Window window(rig, machine.all, services, QStringLiteral(ZENKA_VERSION));
+    ui::Window window(rig, machine.all, services, glance, QStringLiteral(ZENKA_VERSION));
     if (const auto damage = settings.damage())
         rig.log().pushLog("⚠️ " + *damage);
     if (!window.show())

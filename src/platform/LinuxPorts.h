@@ -16,6 +16,7 @@
 #include "platform/LinuxStallSampler.h"
 #include "platform/LinuxUsbBus.h"
 #include "platform/LinuxVolumes.h"
+#include "platform/MicrohttpdPageServer.h"
 #include "platform/PulseOutput.h"
 #include "platform/QtHttpClient.h"
 #include "platform/QtMainLoop.h"
@@ -50,6 +51,7 @@ public:
     QtPixelDecoder pixels;
     LinuxVolumes volumes;
     QtHttpClient http{loop};
+    MicrohttpdPageServer pages;
     LinuxSerialPorts serialPorts;
     LinuxMachineSensors sensors{clock};
     LinuxMachineNames names;

@@ -2,7 +2,7 @@
 
 #include "base/TimeWords.h"
 #include "eclipse/SiteWords.h"
-#include "exposure/ExposureScales.h"
+#include "rig/Countdown.h"
 #include "rig/RigModel.h"
 #include "ui/Observe.h"
 #include "ui/QtText.h"
@@ -16,11 +16,6 @@
 namespace zenka::ui {
 
 namespace {
-
-/// What a clock counts down, without its sign.
-QString digits(double seconds) {
-    return qt(base::durHMS(seconds));
-}
 
 std::string signedDegrees(double degrees) {
     return absl::StrFormat("%s%.3f", degrees < 0 ? "−" : "", std::abs(degrees));
@@ -90,58 +85,31 @@ QString ClockView::statusText() const {
     return qt(rig_.transport().timingStatus().get());
 }
 
-double ClockView::at(const char* key, double otherwise) const {
-    const auto& contacts = rig_.site().contactTHours();
-    const auto found = contacts.find(key);
-    return found == contacts.end() ? otherwise : found->second * 3600;
-}
-
-bool ClockView::has(const char* key) const {
-    return rig_.site().contactTHours().contains(key);
-}
-
 bool ClockView::inTotality() const {
-    const double now = rig_.transport().clockNow();
-    return has("C2") && has("C3") && at("C2", 0) <= now && now < at("C3", 0);
+    return rig::inCentralPhase(rig_.site(), rig_.transport().clockNow());
 }
 
 QString ClockView::nextContact() const {
     const double now = rig_.transport().clockNow();
+    const auto& contacts = rig_.site().contactTHours();
     for (const char* key : {"C1", "C2", "MAX", "C3", "C4"}) {
-        if (has(key) && at(key, 0) > now)
+        const auto found = contacts.find(key);
+        if (found != contacts.end() && found->second * 3600 > now)
             return QString::fromLatin1(key);
     }
     return {};
 }
 
-ClockView::Next ClockView::next() const {
-    const double now = rig_.transport().clockNow();
-    if (inTotality()) {
-        const bool total = rig_.site().circ()->maxMagnitude >= 1;
-        return {total ? QStringLiteral("Totality, left") : QStringLiteral("Ring, left"), at("C3", 0) - now};
-    }
-    // The countdown goes to what one waits for: the phases, not the middle of one that has begun.
-    for (const char* key : {"C1", "C2", "C4"}) {
-        if (has(key) && at(key, 0) > now) {
-            const bool partialMaximum =
-                QLatin1String(key) == QLatin1String("C4") && !has("C2") && at("MAX", 0) > now;
-            return partialMaximum ? Next{QStringLiteral("MAX in"), at("MAX", 0) - now}
-                                  : Next{QString::fromLatin1(key) + QStringLiteral(" in"), at(key, 0) - now};
-        }
-    }
-    if (has("C4"))
-        return {QStringLiteral("C4 was"), at("C4", 0) - now};
-    return {QStringLiteral("Not seen here. MAX in"), at("MAX", 0) - now};
+rig::Countdown ClockView::next() const {
+    return rig::countdownAt(rig_.site(), rig_.transport().clockNow());
 }
 
 QString ClockView::countdownTitle() const {
-    return next().title;
+    return qt(next().title);
 }
 
 QString ClockView::countdown() const {
-    const double left = next().seconds;
-    // What is left reaches zero at the event itself, so it counts whole seconds that are not over.
-    return (left < 0 ? QStringLiteral("−") : QString()) + digits(left < 0 ? left : std::ceil(left));
+    return qt(next().text());
 }
 
 bool ClockView::lastMinute() const {
@@ -182,19 +150,7 @@ QVariantList ClockView::contacts() const {
 }
 
 QString ClockView::nextShot() const {
-    const auto& captures = rig_.script().captures();
-    if (captures.empty())
-        return QStringLiteral("No frames in the script");
-    const double offset = rig_.fireLoop().nextOffset();
-    if (!std::isfinite(offset))
-        return QStringLiteral("All frames are behind the clock");
-    const auto& offsets = rig_.script().captureOffsets();
-    const auto index = static_cast<std::size_t>(std::ranges::lower_bound(offsets, offset) - offsets.begin());
-    const script::Capture& capture = captures[index];
-    const double left = offset - rig_.transport().clockNow();
-    return qt("next: " + capture.camera + "  " + capture.refLabel + "  " +
-              (capture.bulb ? std::string("BULB") : exposure::shutterLabel(capture.shutterSec)) + "  in ") +
-           digits(std::max(std::ceil(left), 0.0));
+    return qt(rig::nextShotText(rig_.script(), rig_.fireLoop().nextOffset(), rig_.transport().clockNow()));
 }
 
 bool ClockView::jumpToLocalTime(const QString& text) {

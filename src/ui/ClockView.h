@@ -5,8 +5,9 @@
 #include <QVariantList>
 
 namespace zenka::rig {
+struct Countdown;
 class RigModel;
-}
+} // namespace zenka::rig
 
 namespace zenka::ui {
 
@@ -74,13 +75,7 @@ Q_SIGNALS:
     void stateChanged();
 
 private:
-    struct Next {
-        QString title;
-        double seconds = 0; ///< until it; negative behind it
-    };
-    Next next() const;
-    double at(const char* key, double otherwise) const;
-    bool has(const char* key) const;
+    rig::Countdown next() const;
 
     rig::RigModel& rig_;
 };

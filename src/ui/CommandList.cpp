@@ -176,6 +176,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add(
             "exposureCheck", "Fire Exposure Check", "", [&rig] { rig.exposureCheck().runExposureCheck(); },
             simulated)
+        .add("remoteGlance", "Remote Glance…", "Ctrl+Shift+G", sheet("Glance"))
         .add("revealRunLogs", "Reveal Run Logs", "", [open, runLogs] { open(QUrl::fromLocalFile(runLogs)); });
 
     Menu(commands, "Window")

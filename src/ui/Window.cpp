@@ -2,6 +2,7 @@
 
 #include "ports/Ports.h"
 #include "rig/RigModel.h"
+#include "services/GlanceDesk.h"
 #include "services/ServiceDesk.h"
 #include "ui/AnalyzerView.h"
 #include "ui/AppView.h"
@@ -22,6 +23,7 @@
 #include "ui/EditTarget.h"
 #include "ui/FeedbackView.h"
 #include "ui/GapProfilerView.h"
+#include "ui/GlanceView.h"
 #include "ui/HealthView.h"
 #include "ui/HorizonItem.h"
 #include "ui/HorizonView.h"
@@ -32,6 +34,7 @@
 #include "ui/NightSwitch.h"
 #include "ui/PreflightView.h"
 #include "ui/ProfilePostView.h"
+#include "ui/QrItem.h"
 #include "ui/ScriptView.h"
 #include "ui/ServiceView.h"
 #include "ui/SkyItem.h"
@@ -65,8 +68,8 @@ static void initResources() {
 namespace zenka::ui {
 
 Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceDesk& services,
-               const QString& version)
-    : rig_(rig), services_(services), openUrl_(QDesktopServices::openUrl),
+               services::GlanceDesk& glance, const QString& version)
+    : rig_(rig), services_(services), glance_(glance), openUrl_(QDesktopServices::openUrl),
       app_(new AppView(rig, version, this)), commands_(new Commands(this)), edit_(new EditTarget(this)),
       engine_(new QQmlApplicationEngine) {
     initResources();
@@ -86,6 +89,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     ScriptView::registerTypes();
     WorldMapItem::registerTypes();
     HorizonItem::registerTypes();
+    QrItem::registerTypes();
     WizardView::registerTypes();
 
     QQmlContext& context = *engine_->rootContext();
@@ -136,6 +140,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     app_->setFeedbackGoesOut([&services] { return !services.host()->empty(); });
     context.setContextProperty(QStringLiteral("service"), new ServiceView(services, rig, *app_, this));
     context.setContextProperty(QStringLiteral("feedback"), new FeedbackView(services, *app_, this));
+    context.setContextProperty(QStringLiteral("glance"), new GlanceView(glance, this));
     context.setContextProperty(QStringLiteral("profilePost"), new ProfilePostView(services, rig, this));
     context.setContextProperty(QStringLiteral("log"), new LogView(rig, this));
 }
@@ -162,6 +167,7 @@ bool Window::show() {
     window->requestActivate();
     rig_.bootstrap();
     services_.start();
+    glance_.start();
     return true;
 }
 

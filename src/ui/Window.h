@@ -18,8 +18,9 @@ struct Ports;
 }
 
 namespace zenka::services {
+class GlanceDesk;
 class ServiceDesk;
-}
+} // namespace zenka::services
 
 namespace zenka::ui {
 
@@ -36,7 +37,7 @@ class Window : public QObject {
 
 public:
     Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceDesk& services,
-           const QString& version);
+           services::GlanceDesk& glance, const QString& version);
     ~Window() override;
 
     /// Shows the window; false, with the reason on the error stream, when its QML cannot be loaded. The
@@ -58,6 +59,7 @@ public:
 private:
     rig::RigModel& rig_;
     services::ServiceDesk& services_;
+    services::GlanceDesk& glance_;
     std::function<void(const QUrl&)> openUrl_;
     AppView* app_ = nullptr;
     Commands* commands_ = nullptr;

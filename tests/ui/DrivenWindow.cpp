@@ -35,11 +35,13 @@ void visit(QQuickItem* item, const std::function<void(QQuickItem*)>& visitor) {
 
 } // namespace
 
-DrivenWindow::DrivenWindow(VirtualRig& driven) : services_(driven.machine.all, names_, driven.model, "9.9") {
+DrivenWindow::DrivenWindow(VirtualRig& driven)
+    : services_(driven.machine.all, names_, driven.model, "9.9"),
+      glance_(driven.machine.all, pages_, driven.model) {
     warnings.clear();
     qInstallMessageHandler(noteWarning);
-    window_ =
-        std::make_unique<ui::Window>(driven.model, driven.machine.all, services_, QStringLiteral("9.9"));
+    window_ = std::make_unique<ui::Window>(driven.model, driven.machine.all, services_, glance_,
+                                           QStringLiteral("9.9"));
 }
 
 DrivenWindow::~DrivenWindow() {

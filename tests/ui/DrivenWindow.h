@@ -1,7 +1,9 @@
 #pragma once
 
+#include "services/GlanceDesk.h"
 #include "services/ServiceDesk.h"
 #include "support/ToldNames.h"
+#include "support/ToldPages.h"
 #include "support/VirtualRig.h"
 #include "ui/Window.h"
 
@@ -34,6 +36,7 @@ public:
     QQuickWindow& screen() const { return *window_->quickWindow(); }
 
     services::ServiceDesk& services() { return services_; }
+    ToldPages& pages() { return pages_; }
 
     /// Lets everything come to rest that needs no clock.
     static void settle();
@@ -69,6 +72,8 @@ public:
 private:
     ToldNames names_;
     services::ServiceDesk services_;
+    ToldPages pages_;
+    services::GlanceDesk glance_;
     std::unique_ptr<ui::Window> window_;
 };
 

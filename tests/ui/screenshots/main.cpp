@@ -2,6 +2,7 @@
 // Usage: screenshots DIR [TEXT-SCALE [SHEET]]: all sheets, or one.
 
 #include "exposure/ExposureScales.h"
+#include "services/GlanceDesk.h"
 #include "services/ServiceAddress.h"
 #include "services/ServiceDesk.h"
 #include "support/ImageFiles.h"
@@ -9,6 +10,7 @@
 #include "support/TempFolder.h"
 #include "support/TimedCamera.h"
 #include "support/ToldNames.h"
+#include "support/ToldPages.h"
 #include "support/VirtualRig.h"
 #include "ui/AppView.h"
 #include "ui/Commands.h"
@@ -445,7 +447,9 @@ int main(int argc, char** argv) {
     test::VirtualRig rig;
     test::ToldNames names;
     services::ServiceDesk services(rig.machine.all, names, rig.model, "0.1.0");
-    ui::Window window(rig.model, rig.machine.all, services, QStringLiteral("0.1.0"));
+    test::ToldPages pages;
+    services::GlanceDesk glance(rig.machine.all, pages, rig.model);
+    ui::Window window(rig.model, rig.machine.all, services, glance, QStringLiteral("0.1.0"));
     if (!window.show())
         return 1;
     if (argc > 2)
@@ -507,6 +511,18 @@ int main(int argc, char** argv) {
                 window.app().closeSheet();
             }
             rig.model.roster().setRealCameras({});
+        }
+    }
+    glance.setReach(services::GlanceDesk::Reach::localNetwork);
+    for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
+        if (argc > 3 && std::string(argv[3]) != "Glance")
+            break;
+        window.quickWindow()->resize(size);
+        for (const char* theme : {"Sunlight", "Dark", "Night"}) {
+            window.theme().choose(QString::fromLatin1(theme));
+            window.app().openSheet(QStringLiteral("Glance"));
+            album.shoot("Glance-on-" + std::string(theme) + "-" + std::to_string(size.width()));
+            window.app().closeSheet();
         }
     }
     rig.model.transport().togglePlay(); // in a run nothing is measured
