@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,10 @@ struct QrCode {
     int side = 0; ///< modules; 0: the text is too long
     std::vector<bool> dark;
 
-    bool at(int row, int column) const { return dark[static_cast<std::size_t>(row * side + column)]; }
+    bool at(int row, int column) const {
+        return dark[static_cast<std::size_t>(row) * static_cast<std::size_t>(side) +
+                    static_cast<std::size_t>(column)];
+    }
 };
 
 QrCode qrCode(const std::string& text);

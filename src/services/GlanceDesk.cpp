@@ -149,6 +149,7 @@ void GlanceDesk::listen() {
     if (listening.port == 0)
         return fault_.set("The page cannot be shown: " + listening.fault + ".");
     std::vector<std::string> found;
+    found.reserve(listening.addresses.size());
     for (const std::string& host : listening.addresses)
         found.push_back(absl::StrFormat("http://%s:%d/%s", host, listening.port, address));
     if (found.empty())
