@@ -17,12 +17,15 @@ std::string toJson(const std::vector<CameraLibraryEntry>& entries) {
         OrderedJson item{{"serial", entry.serial}, {"model", entry.model}, {"label", entry.label}};
         if (entry.lens)
             item["lens"] = *entry.lens;
+        if (entry.framing)
+            item["framing"] = toJson(*entry.framing);
         list.push_back(std::move(item));
     }
     return list.dump(2, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
 }
 
-std::optional<CameraLibraryEntry> fromJson(const OrderedJson& item) {
+/// What cannot be read of the framing costs only itself, which `whole` tells.
+std::optional<CameraLibraryEntry> fromJson(const OrderedJson& item, bool& whole) {
     const auto text = [&](const char* key) -> std::optional<std::string> {
         const auto found = item.find(key);
         if (found == item.end() || !found->is_string())
@@ -38,10 +41,14 @@ std::optional<CameraLibraryEntry> fromJson(const OrderedJson& item) {
     const bool lensUnreadable = !lens && item.contains("lens") && !item["lens"].is_null();
     if (!serial || !model || !label || lensUnreadable)
         return std::nullopt;
+    const auto found = item.find("framing");
+    const auto framing =
+        found == item.end() || found->is_null() ? std::nullopt : std::optional(framingFrom(*found, whole));
     return CameraLibraryEntry{.serial = *std::move(serial),
                               .model = *std::move(model),
                               .label = *std::move(label),
-                              .lens = std::move(lens)};
+                              .lens = std::move(lens),
+                              .framing = framing};
 }
 
 /// Whether the list changed.
@@ -71,7 +78,7 @@ std::optional<std::string> CameraLibrary::load() {
     const OrderedJson list = OrderedJson::parse(*text, nullptr, false);
     bool whole = list.is_array();
     for (const OrderedJson& item : whole ? list : OrderedJson::array()) {
-        if (const auto entry = fromJson(item))
+        if (const auto entry = fromJson(item, whole))
             putInto(entries_, *entry);
         else
             whole = false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cameras/FramingRecord.h"
 #include "ports/Files.h"
 #include "ports/Folders.h"
 #include "ports/WorkQueues.h"
@@ -19,12 +20,13 @@ struct CameraLibraryEntry {
     std::string model;
     std::string label; ///< the name by which scripts know it
     std::optional<std::string> lens;
+    std::optional<FramingRecord> framing;
 
     friend bool operator==(const CameraLibraryEntry&, const CameraLibraryEntry&) = default;
 };
 
-/// The bodies that were given a label or a lens, kept by their serials in the file "cameras.json" from one
-/// session to the next. Main thread.
+/// The bodies that were given a label, a lens or a framing, kept by their serials in the file "cameras.json"
+/// from one session to the next. Main thread.
 class CameraLibrary {
 public:
     CameraLibrary(ports::Files& files, const ports::Folders& folders, ports::WorkQueues& queues);

@@ -23,26 +23,39 @@ void LibraryDesk::noteLabel(const cameras::CameraControl& camera, const std::str
     const std::string& serial = camera.serial();
     if (serial.empty() || roster_.serialShared(serial))
         return;
-    const auto known = library_.find(serial);
-    put({.serial = serial,
-         .model = camera.model(),
-         .label = label,
-         .lens = known ? known->lens : std::nullopt});
+    Entry entry = library_.find(serial).value_or(Entry{.serial = serial});
+    entry.model = camera.model();
+    entry.label = label;
+    put(entry);
 }
 
 void LibraryDesk::setLens(const std::string& serial, std::string_view lens) {
     if (!lensFault(serial).empty())
         return;
     const std::string_view text = base::trimmed(lens);
-    std::optional<Entry> entry = library_.find(serial);
-    if (!entry && !text.empty()) {
-        if (const auto body = bodyOf(serial))
-            entry = {.serial = serial, .model = body->model(), .label = roster_.labelFor(*body), .lens = {}};
-    }
+    std::optional<Entry> entry = text.empty() ? library_.find(serial) : entryFor(serial);
     if (!entry)
         return;
     entry->lens = text.empty() ? std::nullopt : std::optional<std::string>(text);
     put(*entry);
+}
+
+bool LibraryDesk::setFraming(const std::string& serial, const cameras::FramingRecord& framing) {
+    std::optional<Entry> entry = lensFault(serial).empty() ? entryFor(serial) : std::nullopt;
+    if (!entry)
+        return false;
+    entry->framing = framing;
+    put(*entry);
+    return true;
+}
+
+std::optional<LibraryDesk::Entry> LibraryDesk::entryFor(const std::string& serial) const {
+    std::optional<Entry> entry = library_.find(serial);
+    if (entry)
+        return entry;
+    if (const auto body = bodyOf(serial))
+        entry = Entry{.serial = serial, .model = body->model(), .label = roster_.labelFor(*body)};
+    return entry;
 }
 
 std::string LibraryDesk::lensFault(const std::string& serial) const {

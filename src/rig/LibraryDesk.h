@@ -12,8 +12,8 @@
 
 namespace zenka::rig {
 
-/// The operator's own bodies, by serial number, with the label and the lens that follow each of them from
-/// one session to the next. Main thread.
+/// The operator's own bodies, by serial number, with the label, the lens and the framing that follow each of
+/// them from one session to the next. Main thread.
 class LibraryDesk {
 public:
     using Entry = cameras::CameraLibraryEntry;
@@ -35,6 +35,8 @@ public:
     void setLens(const std::string& serial, std::string_view lens);
     /// Why no lens can be kept for a serial number, a sentence; empty when one can.
     std::string lensFault(const std::string& serial) const;
+    /// Likewise how a body looks at the Sun; false where nothing can be kept for the serial number.
+    bool setFraming(const std::string& serial, const cameras::FramingRecord& framing);
 
     /// A body in the roster keeps its label for this session.
     void forget(const std::string& serial);
@@ -52,6 +54,8 @@ public:
     sigc::signal<void()>& changed() { return changed_; }
 
 private:
+    /// What is known of a body, or a new entry of one that is here; nothing for a stranger.
+    std::optional<Entry> entryFor(const std::string& serial) const;
     void put(const Entry& entry);
     CameraRoster::Camera bodyOf(const std::string& serial) const;
 

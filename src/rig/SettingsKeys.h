@@ -37,6 +37,10 @@ inline constexpr char lowBatteryThreshold[] = "eclipse.lowBatteryThreshold"; ///
 inline constexpr char lowBatteryAudio[] = "eclipse.lowBatteryAudio";
 inline constexpr char criticalBatteryAudio[] = "eclipse.criticalBatteryAudio";
 
+inline constexpr char framingPrefix[] = "zenka.framing.";      ///< + label in small letters: JSON object
+inline constexpr char framingPlan[] = "zenka.framingPlan";     ///< the same for no body
+inline constexpr char framingChoice[] = "zenka.framingChoice"; ///< JSON object: what was looked at last
+
 inline constexpr char serviceHost[] = "zenka.serviceHost"; ///< of the program's own service, "https://host"
 inline constexpr char timeServer[] = "zenka.timeServer";   ///< whose Date header the clock is held against
 inline constexpr char elevationHost[] = "zenka.elevationHost"; ///< address before "/v1/elevation"

@@ -109,3 +109,41 @@ TEST_F(CameraLibraryTest, aDamagedFileThatCannotBeKeptAsideIsLeftAlone) {
     files.broken = false;
     EXPECT_EQ(written(), "damaged");
 }
+
+TEST_F(CameraLibraryTest, theFramingStaysWithItsBodyAndItsDamageCostsOnlyItself) {
+    auto framed = tele;
+    framed.framing = {
+        .focalMm = 530,
+        .converter = 1.4,
+        .own = cameras::Sensor{.widthMm = 17.7, .heightMm = 13.4, .widthPx = 4656, .heightPx = 3520},
+        .rotationDeg = 90,
+        .tracking = true};
+    library.put(wide);
+    library.put(framed);
+    const std::string text = written();
+    EXPECT_THAT(text.substr(0, text.find("Téle")), Not(HasSubstr("framing"))) << "only where there is one";
+    CameraLibrary next(files, folders, queues);
+    EXPECT_EQ(next.load(), std::nullopt);
+    EXPECT_THAT(next.entries(), ElementsAre(wide, framed));
+
+    files.contents[file] = R"([{"serial":"a","model":"m","label":"l","lens":"x","framing":
+        {"focalMm":1e9,"converter":3,"sensor":"APS-C","ownSensor":{"widthMm":"36"},"rotationDeg":-90,
+         "tracking":"yes","later":{}}}, {"serial":"b","model":"m","label":"l","framing":7},
+        {"serial":"c","model":"m","label":"l","framing":{"focalMm":400,"later":1}}])";
+    EXPECT_THAT(next.load(), Optional(HasSubstr("cameras read: 3")));
+    ASSERT_EQ(next.entries().size(), 3U);
+    EXPECT_EQ(next.entries()[0].lens, "x");
+    EXPECT_EQ(next.entries()[0].framing, (cameras::FramingRecord{.sensor = "APS-C", .rotationDeg = -90}));
+    EXPECT_EQ(next.entries()[2].framing, cameras::FramingRecord{.focalMm = 400});
+    EXPECT_TRUE(files.exists(damaged));
+}
+
+TEST(FramingRecord, aLensTellsItsLongestFocalLength) {
+    EXPECT_EQ(cameras::focalOf("400 mm f/5.6"), 400);
+    EXPECT_EQ(cameras::focalOf("RF 100-500mm F4.5-7.1"), 500);
+    EXPECT_EQ(cameras::focalOf("FSQ-106 f/5"), std::nullopt);
+    EXPECT_EQ(cameras::focalOf("20000 MM"), std::nullopt);
+    EXPECT_EQ(cameras::focalOf(" mm"), std::nullopt);
+    EXPECT_EQ(cameras::framingFrom("[1]"), std::nullopt);
+    EXPECT_EQ(cameras::framingFrom("{"), std::nullopt);
+}

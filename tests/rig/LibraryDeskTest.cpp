@@ -1,3 +1,4 @@
+#include "rig/FramingBook.h"
 #include "support/VirtualRig.h"
 
 #include <gmock/gmock.h>
@@ -129,4 +130,37 @@ TEST(LibraryDesk, aDamagedLibraryIsToldAndWhatCanBeReadOfItGivesItsLabels) {
     EXPECT_EQ(rig.countLines("⚠️ The camera library could not be read whole; cameras read: 1."), 1);
     EXPECT_EQ(rig.model.roster().labelFor(*plugIn(rig, "a")), "CAM1");
     EXPECT_EQ(rig.model.library().find("SN-a")->lens, "20 mm");
+}
+
+TEST(LibraryDesk, theFramingFollowsABodyAndThePlanUnderALabelGoesToTheBodyThatGetsIt) {
+    const cameras::FramingRecord planned{.focalMm = 600, .rotationDeg = 90};
+    const cameras::FramingRecord own{.focalMm = 1000, .tracking = true};
+    VirtualRig first;
+    rig::FramingBook book(first.machine.settings, first.model.library());
+    EXPECT_EQ(book.find("", "CAM1"), std::nullopt);
+    book.keep("", "CAM1", planned);
+    EXPECT_EQ(book.find("", "cam1"), planned) << "as the script's names go";
+    EXPECT_EQ(book.find("", ""), std::nullopt) << "the plan without a body is another one";
+
+    const auto body = plugIn(first, "wide");
+    first.model.roster().setLabel(*body, "CAM1");
+    EXPECT_EQ(book.find("SN-wide", "CAM1"), planned);
+    book.keep("SN-wide", "CAM1", own);
+    first.model.roster().setLabel(*body, "CAM2");
+    first.model.library().setLens("SN-wide", "1000 mm");
+    first.run(1);
+    EXPECT_EQ(book.find("", "CAM1"), planned);
+
+    VirtualRig next;
+    next.files.contents = first.files.contents;
+    next.model.bootstrap();
+    rig::FramingBook later(next.machine.settings, next.model.library());
+    EXPECT_EQ(later.find("SN-wide", "CAM2"), own) << "neither the label nor the lens took it away";
+
+    // Two bodies of one serial number: it would be one's framing or the other's.
+    plugIn(next, "wide");
+    plugIn(next, "wide");
+    later.keep("SN-wide", "CAM3", planned);
+    EXPECT_EQ(next.model.library().find("SN-wide")->framing, own);
+    EXPECT_EQ(later.find("SN-wide", "CAM3"), planned);
 }

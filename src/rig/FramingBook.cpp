@@ -1,0 +1,33 @@
+#include "rig/FramingBook.h"
+
+#include "base/Text.h"
+#include "rig/SettingsKeys.h"
+
+namespace zenka::rig {
+
+namespace {
+
+std::string keyOf(const std::string& label) {
+    return label.empty() ? settingsKeys::framingPlan : settingsKeys::framingPrefix + base::lowered(label);
+}
+
+} // namespace
+
+std::optional<cameras::FramingRecord> FramingBook::find(const std::string& serial,
+                                                        const std::string& label) const {
+    if (inLibrary(serial)) {
+        const auto entry = library_.find(serial);
+        if (entry && entry->framing)
+            return entry->framing;
+    }
+    const auto text = settings_.text(keyOf(label));
+    return text ? cameras::framingFrom(*text) : std::nullopt;
+}
+
+void FramingBook::keep(const std::string& serial, const std::string& label,
+                       const cameras::FramingRecord& framing) {
+    if (!library_.setFraming(serial, framing))
+        settings_.setText(keyOf(label), cameras::framingText(framing));
+}
+
+} // namespace zenka::rig
