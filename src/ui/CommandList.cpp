@@ -168,6 +168,7 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("library", "My Cameras…", "Ctrl+B", sheet("Library"));
 
     Menu(commands, "Tools")
+        .add("framingSimulator", "Framing Simulator…", "Ctrl+Shift+F", sheet("Framing"))
         .add("gapProfiler", "Camera Gap Profiler…", "Ctrl+G", sheet("GapProfiler"))
         .add("cameraProfiler", "Camera Profiler…", "Ctrl+R", sheet("CameraProfiler"))
         .add(

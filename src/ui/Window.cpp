@@ -22,6 +22,8 @@
 #include "ui/EclipseList.h"
 #include "ui/EditTarget.h"
 #include "ui/FeedbackView.h"
+#include "ui/FramingItem.h"
+#include "ui/FramingView.h"
 #include "ui/GapProfilerView.h"
 #include "ui/GlanceView.h"
 #include "ui/HealthView.h"
@@ -90,6 +92,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     WorldMapItem::registerTypes();
     HorizonItem::registerTypes();
     QrItem::registerTypes();
+    FramingItem::registerTypes();
     WizardView::registerTypes();
 
     QQmlContext& context = *engine_->rootContext();
@@ -127,6 +130,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     context.setContextProperty(QStringLiteral("cameras"), new CamerasView(rig, this));
     context.setContextProperty(QStringLiteral("testShot"), new TestShotView(rig, this));
     context.setContextProperty(QStringLiteral("bodyList"), new BodyList(rig, this));
+    context.setContextProperty(QStringLiteral("framing"), new FramingView(rig, ports, this));
     auto* gapProfiler = new GapProfilerView(rig, this);
     context.setContextProperty(QStringLiteral("gapProfiler"), gapProfiler);
     context.setContextProperty(QStringLiteral("cameraProfiler"), new CameraProfilerView(rig, this));

@@ -158,6 +158,16 @@ FocusScope {
                 }
             }
             ZButton {
+                objectName: "framingButton"
+                visible: !card.missing
+                text: "Frame"
+                Accessible.name: "Framing of " + card.label
+                onClicked: {
+                    framing.choose(card.cameraId)
+                    app.openSheet("Framing")
+                }
+            }
+            ZButton {
                 objectName: "testButton"
                 visible: !card.missing
                 text: "Test"

@@ -16,7 +16,7 @@ SheetFrame {
         spacing: 6
         ZLabel {
             Layout.fillWidth: true
-            text: library.emptyText !== "" ? library.emptyText : library.summary + ". Label and lens follow each body by its serial number."
+            text: library.emptyText !== "" ? library.emptyText : library.summary + ". Label, lens and framing follow each body by its serial number."
             color: library.emptyText !== "" ? theme.text : theme.quiet
         }
         RowLayout {
@@ -65,7 +65,7 @@ SheetFrame {
                     GridLayout {
                         id: cells
                         anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter; margins: 8 }
-                        columns: 4
+                        columns: 5
                         columnSpacing: 12
                         rowSpacing: 2
                         ColumnLayout {
@@ -91,6 +91,15 @@ SheetFrame {
                             onDecided: (text) => library.setLens(row.serial, text)
                         }
                         ZButton {
+                            objectName: "libraryFraming"
+                            text: "Framing…"
+                            Accessible.name: "Framing of " + row.label
+                            onClicked: {
+                                framing.chooseSerial(row.serial)
+                                app.openPage("Framing")
+                            }
+                        }
+                        ZButton {
                             text: "Forget"
                             Accessible.name: "Forget " + row.label
                             onClicked: {
@@ -100,7 +109,7 @@ SheetFrame {
                         }
                         ZLabel {
                             Layout.fillWidth: true
-                            Layout.columnSpan: 4
+                            Layout.columnSpan: 5
                             visible: text !== ""
                             text: row.lensFault
                             color: theme.warning

@@ -21,6 +21,7 @@
 #include <QImage>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QRegularExpression>
 #include <QUrl>
 #include <absl/strings/str_format.h>
 #include <nlohmann/json.hpp>
@@ -330,6 +331,50 @@ void shootHorizon(test::VirtualRig& rig, ui::Window& window, Album& album) {
     }
 }
 
+/// The framing simulator with a body of the script, one with figures of its own that the Sun leaves, and a
+/// plan, in every theme and size.
+void shootFraming(test::VirtualRig& rig, ui::Window& window, Album& album) {
+    rig.load(example());
+    for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
+        window.quickWindow()->resize(size);
+        for (const char* theme : {"Sunlight", "Dark", "Night"}) {
+            window.theme().choose(QString::fromLatin1(theme));
+            const auto shoot = [&](const char* page) {
+                album.shoot("Framing-" + std::string(page) + "-" + theme + "-" +
+                            std::to_string(size.width()));
+            };
+            window.app().openSheet(QStringLiteral("Framing"));
+            for (int i = 0; i < 20; ++i)
+                QCoreApplication::processEvents();
+            const QQuickItem* picture = itemNamed(window.quickWindow()->contentItem(), "framingPicture");
+            auto* framing = picture->property("view").value<QObject*>();
+            const auto type = [framing](const char* field, const char* text) {
+                QMetaObject::invokeMethod(framing, "type", Q_ARG(QString, QString::fromLatin1(field)),
+                                          Q_ARG(QString, QString::fromLatin1(text)));
+            };
+            const auto names = framing->property("bodies").toStringList();
+            framing->setProperty("body", names.indexOf(QRegularExpression(QStringLiteral("^CAM1,.*"))));
+            type("focal", "800");
+            shoot("bursts");
+            framing->setProperty("sensor", 1);
+            type("focal", "2000");
+            type("rotation", "60");
+            type("ownWidth", "abc");
+            QMetaObject::invokeMethod(framing, "check");
+            shoot("leaving");
+            type("ownWidth", "36");
+            type("focal", "800");
+            type("rotation", "0");
+            framing->setProperty("sensor", 0);
+            framing->setProperty("body", static_cast<int>(names.size()) - 1);
+            framing->setProperty("moment", 0);
+            shoot("plan");
+            framing->setProperty("moment", 2);
+            window.app().closeSheet();
+        }
+    }
+}
+
 /// A chat with the assistant: an answer with a script, one with faults and a failure, and the question about
 /// commands, in every theme and size.
 void shootAssistant(test::VirtualRig& rig, ui::Window& window, Album& album) {
@@ -536,6 +581,8 @@ int main(int argc, char** argv) {
         shootAnalyzer(rig, window, album);
     if (wanted("Location"))
         shootHorizon(rig, window, album);
+    if (wanted("Framing"))
+        shootFraming(rig, window, album);
     if (wanted("Assistant"))
         shootAssistant(rig, window, album);
     if (wanted("Consent"))
