@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace zenka::cameras {
 
@@ -65,14 +66,14 @@ bool putInto(std::vector<CameraLibraryEntry>& entries, const CameraLibraryEntry&
 
 } // namespace
 
-CameraLibrary::CameraLibrary(ports::Files& files, const ports::Folders& folders, ports::WorkQueues& queues)
-    : disk_(files), file_(folders.applicationSupport() / "cameras.json"),
-      queue_(queues.serial("zenka.cameralibrary")) {
+CameraLibrary::CameraLibrary(ports::KeptFile::Means means, const ports::Folders& folders)
+    : file_(std::move(means), folders.applicationSupport() / "cameras.json", "The camera library",
+            "zenka.cameralibrary") {
 }
 
 std::optional<std::string> CameraLibrary::load() {
     entries_.clear();
-    const auto text = disk_.read(file_);
+    const auto text = file_.load();
     if (!text)
         return std::nullopt;
     const OrderedJson list = OrderedJson::parse(*text, nullptr, false);
@@ -89,7 +90,7 @@ std::optional<std::string> CameraLibrary::load() {
         "The camera library could not be read" +
         (entries_.empty() ? std::string("; it begins anew.")
                           : absl::StrFormat(" whole; cameras read: %d.", entries_.size()));
-    if (!disk_.writeAtomically(file_.string() + ".damaged", *text))
+    if (!file_.keepDamaged(*text))
         return what;
     save();
     return what + " The file is kept as cameras.json.damaged in the program's folder.";
@@ -111,8 +112,7 @@ void CameraLibrary::remove(std::string_view serial) {
 }
 
 void CameraLibrary::save() {
-    queue_->post(
-        [&disk = disk_, file = file_, json = toJson(entries_)] { disk.writeAtomically(file, json); });
+    file_.save(toJson(entries_));
 }
 
 } // namespace zenka::cameras

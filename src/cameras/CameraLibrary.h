@@ -1,9 +1,8 @@
 #pragma once
 
 #include "cameras/FramingRecord.h"
-#include "ports/Files.h"
 #include "ports/Folders.h"
-#include "ports/WorkQueues.h"
+#include "ports/KeptFile.h"
 
 #include <filesystem>
 #include <memory>
@@ -29,7 +28,7 @@ struct CameraLibraryEntry {
 /// from one session to the next. Main thread.
 class CameraLibrary {
 public:
-    CameraLibrary(ports::Files& files, const ports::Folders& folders, ports::WorkQueues& queues);
+    CameraLibrary(ports::KeptFile::Means means, const ports::Folders& folders);
 
     /// Takes the entries from the file, none where there is no file. Waits for the disk, for start-up. A
     /// file that does not read whole is kept as "cameras.json.damaged", what can be read of it is taken, and
@@ -52,9 +51,7 @@ public:
 private:
     void save();
 
-    ports::Files& disk_;
-    const std::filesystem::path file_;
-    const std::shared_ptr<ports::WorkQueue> queue_;
+    ports::KeptFile file_;
     std::vector<CameraLibraryEntry> entries_;
 };
 

@@ -222,8 +222,8 @@ std::vector<std::string> LinuxFiles::namesIn(const fs::path& folder) {
 }
 
 bool LinuxFiles::exists(const fs::path& path) {
-    std::error_code fault;
-    return fs::exists(path, fault);
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
 void LinuxFiles::remove(const fs::path& path) {

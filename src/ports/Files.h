@@ -47,6 +47,7 @@ public:
     /// The names of the regular files of a folder, ascending; none when it cannot be listed.
     virtual std::vector<std::string> namesIn(const std::filesystem::path& folder) = 0;
 
+    /// False only where it is known that there is none; a disk that gives no answer may have it.
     virtual bool exists(const std::filesystem::path& path) = 0;
 
     /// Removes a file. A missing one is no error.

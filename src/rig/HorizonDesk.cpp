@@ -30,12 +30,13 @@ std::vector<ContactClearance> contactClearances(const eclipse::LocalCircumstance
     return clearances;
 }
 
-HorizonDesk::HorizonDesk(const ports::Ports& ports, SiteDesk& site)
-    : site_(site), store_(ports), survey_({.http = ports.http,
-                                           .loop = ports.loop,
-                                           .queues = ports.queues,
-                                           .settings = ports.settings,
-                                           .pixels = ports.pixels}) {
+HorizonDesk::HorizonDesk(const ports::Ports& ports, RigLog& log, SiteDesk& site)
+    : site_(site), store_(ports, [&log](const std::string& sentence) { log.pushLog("⚠️ " + sentence); }),
+      survey_({.http = ports.http,
+               .loop = ports.loop,
+               .queues = ports.queues,
+               .settings = ports.settings,
+               .pixels = ports.pixels}) {
     site.publishedSite().changed().connect([this](const Site&) { followSite(); });
 }
 

@@ -3,6 +3,7 @@
 #include "base/Published.h"
 #include "ports/Ports.h"
 #include "rig/HorizonStore.h"
+#include "rig/RigLog.h"
 #include "rig/SiteDesk.h"
 #include "rig/TerrainSurvey.h"
 
@@ -30,7 +31,7 @@ std::vector<ContactClearance> contactClearances(const eclipse::LocalCircumstance
 /// The horizons of places: found on request, kept from one session to the next. Main thread.
 class HorizonDesk {
 public:
-    HorizonDesk(const ports::Ports& ports, SiteDesk& site);
+    HorizonDesk(const ports::Ports& ports, RigLog& log, SiteDesk& site);
 
     /// Reads those that were kept. Waits for the disk, for start-up.
     void restore();

@@ -62,24 +62,23 @@ std::optional<std::vector<KnownHorizon>> horizonsFromJson(std::string_view json)
     return horizons;
 }
 
-HorizonStore::HorizonStore(const ports::Ports& ports)
-    : disk_(ports.files), file_(ports.folders.applicationSupport() / "horizons.json"),
-      queue_(ports.queues.serial("zenka.horizons")) {
+HorizonStore::HorizonStore(const ports::Ports& ports, Tell tell)
+    : file_({.files = ports.files, .loop = ports.loop, .queues = ports.queues, .tell = std::move(tell)},
+            ports.folders.applicationSupport() / "horizons.json", "The horizons", "zenka.horizons") {
 }
 
 std::vector<KnownHorizon> HorizonStore::load() {
-    const auto text = disk_.read(file_);
+    const auto text = file_.load();
     if (!text)
         return {};
     if (auto horizons = horizonsFromJson(*text))
         return *std::move(horizons);
-    disk_.writeAtomically(file_.string() + ".damaged", *text);
+    file_.keepDamaged(*text);
     return {};
 }
 
 void HorizonStore::save(const std::vector<KnownHorizon>& horizons) {
-    queue_->post(
-        [&disk = disk_, file = file_, json = toJson(horizons)] { disk.writeAtomically(file, json); });
+    file_.save(toJson(horizons));
 }
 
 } // namespace zenka::rig

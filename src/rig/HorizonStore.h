@@ -1,10 +1,10 @@
 #pragma once
 
 #include "eclipse/TerrainHorizon.h"
+#include "ports/KeptFile.h"
 #include "ports/Ports.h"
 
-#include <filesystem>
-#include <memory>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,7 +28,10 @@ std::optional<std::vector<KnownHorizon>> horizonsFromJson(std::string_view json)
 /// The horizons that were found, in "horizons.json", so that they are there where no network is.
 class HorizonStore {
 public:
-    explicit HorizonStore(const ports::Ports& ports);
+    /// Hears of the disk's trouble, main thread.
+    using Tell = std::function<void(const std::string& sentence)>;
+
+    HorizonStore(const ports::Ports& ports, Tell tell);
 
     /// Waits for the disk, for start-up. A missing file is an empty list; one that cannot be read is kept
     /// beside as "horizons.json.damaged".
@@ -36,9 +39,7 @@ public:
     void save(const std::vector<KnownHorizon>& horizons);
 
 private:
-    ports::Files& disk_;
-    const std::filesystem::path file_;
-    std::shared_ptr<ports::WorkQueue> queue_;
+    ports::KeptFile file_;
 };
 
 } // namespace zenka::rig

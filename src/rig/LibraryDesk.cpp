@@ -8,7 +8,12 @@
 namespace zenka::rig {
 
 LibraryDesk::LibraryDesk(const ports::Ports& ports, RigLog& log, CameraRoster& roster)
-    : log_(log), roster_(roster), library_(ports.files, ports.folders, ports.queues) {
+    : log_(log), roster_(roster),
+      library_({.files = ports.files,
+                .loop = ports.loop,
+                .queues = ports.queues,
+                .tell = [&log](const std::string& sentence) { log.pushLog("⚠️ " + sentence); }},
+               ports.folders) {
 }
 
 void LibraryDesk::restore() {

@@ -13,7 +13,7 @@ constexpr base::Seconds exitLimit{2}; ///< for a body to be let go of at the end
 RigModel::RigModel(const ports::Ports& ports, const std::string& appVersion,
                    const CameraDetector::Families& families)
     : ports_(ports), log_(ports_.loop), site_(ports_, log_), sites_(ports_, log_, site_),
-      horizons_(ports_, site_), script_(ports_, log_, site_), consent_(ports_.settings, log_, script_),
+      horizons_(ports_, log_, site_), script_(ports_, log_, site_), consent_(ports_.settings, log_, script_),
       logbook_(ports_, log_, site_, roster_, appVersion), sleepGuard_(ports_.keepAwake, log_),
       transport_(ports_, log_, site_, script_, logbook_, sleepGuard_),
       keeper_(ports_, log_, site_, script_, roster_, transport_, appVersion), floors_(ports_.settings),

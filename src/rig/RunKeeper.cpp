@@ -83,13 +83,13 @@ void RunKeeper::checkForResumableRun() {
     const auto& state = loaded.state;
     const base::Instant now = ports_.clock.now();
     const bool strange = state && !eclipse::Catalog::has(state->eclipseId);
-    if (loaded.damaged || strange)
+    if (loaded.damaged || loaded.unreadable || strange)
         log_.pushLog(
             "⚠️ The record of the last run could not be read, so it cannot be picked up. Check site, "
             "script and clock, then arm again.");
     if (state && !strange && !state->isComplete(now) && state->isResumable(now))
         resumableRun_.set(state);
-    else
+    else if (!loaded.unreadable) // the next start may be given it
         clearRunState();
 }
 

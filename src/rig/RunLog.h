@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ports/Ports.h"
+#include "rig/RunLogFiles.h"
 #include "rig/RunLogFormat.h"
 
 #include <filesystem>
@@ -11,12 +12,13 @@ namespace zenka::rig {
 
 /// The files of one run: a CSV that grows row by row, so that a crash loses nothing, and a JSON written
 /// at the end. All disk work is done on a queue; a caller never waits for it, and no failure of the disk
-/// reaches the run. Main thread.
+/// reaches the run, but its operator. Main thread.
 class RunLog {
 public:
-    /// Opens the CSV under a base name, with a number added where a file has the name already.
+    /// Opens the CSV under a base name, with a number added where a file has the name already. What goes
+    /// wrong with the disk is told on the queue.
     RunLog(const ports::Ports& ports, std::shared_ptr<ports::WorkQueue> queue, RunLogMeta meta,
-           const std::string& baseName);
+           const std::string& baseName, RunLogFiles::Tell tell);
 
     const RunLogMeta& meta() const { return meta_; }
     std::filesystem::path csvPath() const;
@@ -40,16 +42,14 @@ public:
     void discardSync();
 
 private:
-    struct Files; // what the queue works on
-
-    void post(void (*work)(Files&));
+    void post(void (*work)(RunLogFiles&));
 
     ports::Clock& clock_;
     RunLogMeta meta_;
     std::filesystem::path csvPath_;
     int rows_ = 0;
     std::shared_ptr<ports::WorkQueue> q_;
-    std::shared_ptr<Files> files_;
+    std::shared_ptr<RunLogFiles> files_; // lives on the queue, as long as work for it is posted
 };
 
 } // namespace zenka::rig

@@ -26,6 +26,7 @@ RunStateStore::Loaded RunStateStore::load() {
     const auto text = disk_.read(file_);
     Loaded loaded{.state = text ? runStateFromJson(*text) : std::nullopt};
     loaded.damaged = text && !loaded.state;
+    loaded.unreadable = !text && disk_.exists(file_);
     return loaded;
 }
 

@@ -19,7 +19,8 @@ public:
 
     struct Loaded {
         std::optional<RunState> state;
-        bool damaged = false; ///< there is a file that cannot be read as one
+        bool damaged = false;    ///< there is a file that cannot be read as one
+        bool unreadable = false; ///< there is a file that the disk does not give
     };
     /// Reads the file once all that was asked for before is done; for start-up and shut-down, when waiting
     /// does no harm.

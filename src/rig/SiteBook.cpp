@@ -21,7 +21,9 @@ std::string estimatedZone(double lon) {
 } // namespace
 
 SiteBook::SiteBook(const ports::Ports& ports, RigLog& log, SiteDesk& desk)
-    : ports_(ports), log_(log), desk_(desk), store_(ports), ground_(ports) {
+    : ports_(ports), log_(log), desk_(desk),
+      store_(ports, [&log](const std::string& sentence) { log.pushLog("⚠️ " + sentence); }),
+      ground_(ports) {
 }
 
 void SiteBook::restore() {

@@ -54,24 +54,24 @@ std::optional<std::vector<SavedSite>> savedSitesFromJson(std::string_view json) 
     return sites;
 }
 
-SiteStore::SiteStore(const ports::Ports& ports)
-    : disk_(ports.files), file_(ports.folders.applicationSupport() / "sites.json"),
-      queue_(ports.queues.serial("zenka.sites")) {
+SiteStore::SiteStore(const ports::Ports& ports, Tell tell)
+    : file_({.files = ports.files, .loop = ports.loop, .queues = ports.queues, .tell = std::move(tell)},
+            ports.folders.applicationSupport() / "sites.json", "The saved sites", "zenka.sites") {
 }
 
 SiteStore::Loaded SiteStore::loadOrSeed() {
-    const auto text = disk_.read(file_);
+    const auto text = file_.load();
     if (auto sites = text ? savedSitesFromJson(*text) : std::nullopt)
         return {.sites = *std::move(sites)};
     if (text) // what the user had is kept beside the new file, to be mended by hand
-        disk_.writeAtomically(file_.string() + ".damaged", *text);
+        file_.keepDamaged(*text);
     Loaded seeded{.sites = seeds(), .damaged = text.has_value()};
     save(seeded.sites);
     return seeded;
 }
 
 void SiteStore::save(const std::vector<SavedSite>& sites) {
-    queue_->post([&disk = disk_, file = file_, json = toJson(sites)] { disk.writeAtomically(file, json); });
+    file_.save(toJson(sites));
 }
 
 } // namespace zenka::rig

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "base/Uuid.h"
+#include "ports/KeptFile.h"
 #include "ports/Ports.h"
 
-#include <memory>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,7 +31,10 @@ std::optional<std::vector<SavedSite>> savedSitesFromJson(std::string_view json);
 /// The file "sites.json".
 class SiteStore {
 public:
-    explicit SiteStore(const ports::Ports& ports);
+    /// Hears of the disk's trouble, main thread.
+    using Tell = std::function<void(const std::string& sentence)>;
+
+    SiteStore(const ports::Ports& ports, Tell tell);
 
     /// The sites of the file; where there is none, or it cannot be read, three to begin with, which are
     /// saved. Waits for the disk, for start-up. `damaged` tells of a file that was there.
@@ -44,9 +48,7 @@ public:
     void save(const std::vector<SavedSite>& sites);
 
 private:
-    ports::Files& disk_;
-    std::filesystem::path file_;
-    std::shared_ptr<ports::WorkQueue> queue_;
+    ports::KeptFile file_;
 };
 
 } // namespace zenka::rig

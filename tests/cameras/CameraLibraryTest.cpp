@@ -18,13 +18,20 @@ namespace {
 
 struct CameraLibraryTest : testing::Test {
     platform::VirtualTime time{{.epochSec = 0}};
+    platform::VirtualLoop loop{time};
     platform::VirtualWorkQueues queues{time};
+    std::vector<std::string> told;
     test::MemoryFiles files;
     test::MemoryFolders folders;
     const std::filesystem::path file = folders.applicationSupport() / "cameras.json";
     const std::filesystem::path damaged = file.string() + ".damaged";
-    CameraLibrary library{files, folders, queues};
+    CameraLibrary library{means(), folders};
 
+    ports::KeptFile::Means means() {
+        return {.files = files, .loop = loop, .queues = queues, .tell = [this](const std::string& sentence) {
+                    told.push_back(sentence);
+                }};
+    }
     const CameraLibraryEntry wide{.serial = "000006001234", .model = "Z 8", .label = "WIDE"};
     const CameraLibraryEntry tele{
         .serial = "DC\"7", .model = "DC-S1R", .label = "Téle", .lens = "FSQ-106 f/5"};
@@ -56,7 +63,7 @@ TEST_F(CameraLibraryTest, bodiesFollowTheirSerialsIntoTheNextSession) {
   }
 ]
 )");
-    CameraLibrary next(files, folders, queues);
+    CameraLibrary next(means(), folders);
     EXPECT_EQ(next.load(), std::nullopt);
     EXPECT_THAT(next.entries(), ElementsAre(wide, tele));
     auto relabelled = wide;
@@ -122,7 +129,7 @@ TEST_F(CameraLibraryTest, theFramingStaysWithItsBodyAndItsDamageCostsOnlyItself)
     library.put(framed);
     const std::string text = written();
     EXPECT_THAT(text.substr(0, text.find("Téle")), Not(HasSubstr("framing"))) << "only where there is one";
-    CameraLibrary next(files, folders, queues);
+    CameraLibrary next(means(), folders);
     EXPECT_EQ(next.load(), std::nullopt);
     EXPECT_THAT(next.entries(), ElementsAre(wide, framed));
 

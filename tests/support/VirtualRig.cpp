@@ -46,7 +46,7 @@ VirtualRig::VirtualRig(const MakeFamilies& make)
 }
 
 ports::Ports VirtualRig::parts() {
-    return portsBut(machine.all, loop, images, pixels, volumes, children, serialPorts, sensors, speech,
+    return portsBut(machine.all, loop, disk, images, pixels, volumes, children, serialPorts, sensors, speech,
                     sounds, audio);
 }
 

@@ -3,6 +3,7 @@
 #include "platform/virtual/VirtualPorts.h"
 #include "rig/RigModel.h"
 #include "support/FakePlaces.h"
+#include "support/FaultyFiles.h"
 #include "support/MemoryFiles.h"
 #include "support/ScriptedCamera.h"
 #include "support/ScriptedCards.h"
@@ -33,6 +34,7 @@ public:
     explicit VirtualRig(const MakeFamilies& make);
 
     MemoryFiles files;
+    FaultyFiles disk{files}; ///< what the rig has of them; faultless as long as a test wants no fault
     MemoryFolders folders;
     FakePlaces places;
     ScriptedHttp http;
