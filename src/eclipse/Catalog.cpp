@@ -1,6 +1,7 @@
 #include "eclipse/Catalog.h"
 
 #include "eclipse/CatalogTable.h"
+#include "eclipse/ShadowAxis.h"
 
 #include <algorithm>
 
@@ -24,6 +25,16 @@ bool has(std::string_view id) {
 Eclipse eclipse(std::string_view id) {
     const auto found = std::ranges::find(all(), id, &EclipseRecord::id);
     return Eclipse(found == all().end() ? all().front() : *found);
+}
+
+Eclipse nextAfter(base::Instant now) {
+    const auto isEarlier = [](const EclipseRecord& a, const EclipseRecord& b) { return a.id < b.id; };
+    const EclipseRecord* next = nullptr;
+    for (const EclipseRecord& row : all()) {
+        if (Eclipse(row).utc(greatestEclipseHours(row)) > now && (!next || isEarlier(row, *next)))
+            next = &row;
+    }
+    return Eclipse(next ? *next : *std::ranges::max_element(all(), isEarlier));
 }
 
 } // namespace Catalog

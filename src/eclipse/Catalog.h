@@ -28,6 +28,9 @@ bool has(std::string_view id);
 /// The eclipse of an id; an id that is in no row gives the first row.
 Eclipse eclipse(std::string_view id);
 
+/// The first one whose greatest eclipse is still to come; when there is none, the last.
+Eclipse nextAfter(base::Instant now);
+
 } // namespace Catalog
 
 } // namespace zenka::eclipse

@@ -160,6 +160,19 @@ std::vector<Place> Gazetteer::search(std::string_view text, std::size_t limit) c
     return found;
 }
 
+std::vector<Place> Gazetteer::biggest(std::uint32_t population) const {
+    std::vector<Place> found;
+    for (std::size_t place = 0; place < count_; ++place) {
+        if (u32At(records_, recordSize * place + 8) < population) {
+            break;
+        }
+        if (u16At(records_, recordSize * place + 14) == 0) {
+            found.push_back(placeAt(place));
+        }
+    }
+    return found;
+}
+
 GeoPoint Gazetteer::positionOf(std::size_t place) const {
     const auto degrees = [&](std::size_t offset) {
         return static_cast<std::int32_t>(u32At(records_, recordSize * place + offset)) / 1e5;

@@ -53,6 +53,9 @@ public:
     /// comma and letters behind it ask for a country: "valencia, es". An empty text finds nothing.
     std::vector<Place> search(std::string_view text, std::size_t limit) const;
 
+    /// The places with so many people or more, the biggest first; parts of a place are left out.
+    std::vector<Place> biggest(std::uint32_t population) const;
+
 private:
     /// The best so far; `place` is size() as long as there is none.
     struct Nearest {

@@ -9,6 +9,7 @@ namespace zenka::geo {
 namespace {
 
 constexpr double radians = std::numbers::pi / 180; ///< in a degree
+constexpr double earthRadiusKm = 6371;
 
 } // namespace
 
@@ -21,7 +22,6 @@ double wrappedLongitude(double lon) {
 }
 
 double distanceKm(const GeoPoint& a, const GeoPoint& b) {
-    constexpr double earthRadiusKm = 6371;
     const double sinLat = std::sin((b.lat - a.lat) / 2 * radians);
     const double sinLon = std::sin((b.lon - a.lon) / 2 * radians);
     const double h =
@@ -36,6 +36,16 @@ double bearingDeg(const GeoPoint& from, const GeoPoint& to) {
                          std::sin(from.lat * radians) * std::cos(to.lat * radians) * std::cos(across);
     const double bearing = std::atan2(east, north) / radians;
     return bearing < 0 ? bearing + 360 : bearing;
+}
+
+GeoPoint destination(const GeoPoint& from, double bearingDeg, double km) {
+    const double arc = km / earthRadiusKm;
+    const double way = bearingDeg * radians;
+    const double lat = from.lat * radians;
+    const double sinLat = std::sin(lat) * std::cos(arc) + std::cos(lat) * std::sin(arc) * std::cos(way);
+    const double across =
+        std::atan2(std::sin(way) * std::sin(arc) * std::cos(lat), std::cos(arc) - std::sin(lat) * sinLat);
+    return {std::asin(std::clamp(sinLat, -1.0, 1.0)) / radians, from.lon + across / radians};
 }
 
 } // namespace zenka::geo

@@ -20,4 +20,8 @@ double distanceKm(const GeoPoint& a, const GeoPoint& b);
 /// 0 to 360.
 double bearingDeg(const GeoPoint& from, const GeoPoint& to);
 
+/// The point at a distance along the great circle that begins with a bearing. Its longitude runs on from that
+/// of the first point, beyond 180 degrees as well.
+GeoPoint destination(const GeoPoint& from, double bearingDeg, double km);
+
 } // namespace zenka::geo

@@ -1,5 +1,6 @@
 #include "eclipse/Catalog.h"
 
+#include "base/CivilTime.h"
 #include "base/Text.h"
 #include "eclipse/CatalogTable.h"
 
@@ -130,6 +131,19 @@ TEST(CatalogTableDeathTest, aMalformedTableEndsTheProgramWithASentence) {
                  "a number cannot");
     EXPECT_DEATH(detail::readTable("heading\n2030-Jan-01,Total,Sea" + numbers + "0,Notes.\n"),
                  "a date is not");
+}
+
+TEST(Catalog, theNextOneIsTheFirstWhoseGreatestEclipseIsToCome) {
+    const auto nextAfter = [](const char* utc) {
+        absl::Time time;
+        std::string fault;
+        EXPECT_TRUE(absl::ParseTime(absl::RFC3339_full, utc, &time, &fault)) << fault;
+        return Catalog::nextAfter(base::fromAbsl(time)).rec.id;
+    };
+    EXPECT_EQ(nextAfter("1999-08-11T11:00:00Z"), "2024-04-08");
+    EXPECT_EQ(nextAfter("2026-08-12T17:45:00Z"), "2026-08-12") << "a minute before";
+    EXPECT_EQ(nextAfter("2026-08-12T17:47:00Z"), "2027-02-06") << "a minute after";
+    EXPECT_EQ(nextAfter("2100-12-01T00:00:00Z"), "2100-09-04") << "the last there is";
 }
 
 } // namespace

@@ -141,5 +141,33 @@ TEST(Gazetteer, givesNothingForWhatIsNoPoint) {
     EXPECT_EQ(nearest(41.65, -0.88, -1), "nothing");
 }
 
+TEST(Gazetteer, tellsTheBiggestPlacesWithoutTheirParts) {
+    const std::vector<Place> big = bundledPlaces().biggest(1000000);
+    ASSERT_GT(big.size(), 300U);
+    EXPECT_THAT(big, Each(testing::Field(&Place::population, testing::Ge(1000000U))));
+    for (std::size_t i = 1; i < big.size(); ++i) {
+        ASSERT_GE(big[i - 1].population, big[i].population);
+    }
+    std::vector<std::string> names;
+    for (const Place& place : big) {
+        names.push_back(place.label());
+    }
+    EXPECT_THAT(names, Contains("Madrid, ES"));
+    EXPECT_THAT(names, testing::Not(Contains("Navi Mumbai, IN"))) << "marked as a part";
+    EXPECT_THAT(bundledPlaces().biggest(1000000000), IsEmpty());
+}
+
+TEST(GeoPoint, aDestinationLiesAtItsDistanceAndBearing) {
+    for (const GeoPoint from : {GeoPoint{41.65, -0.88}, {-17, 179.9}, {80, -179.99}, {0, 0}}) {
+        for (const double bearing : {0.0, 37.0, 90.0, 215.0, 300.0}) {
+            const GeoPoint to = destination(from, bearing, 400);
+            EXPECT_NEAR(distanceKm(from, to), 400, 1e-6);
+            EXPECT_NEAR(std::remainder(bearingDeg(from, to) - bearing, 360), 0, 1e-6);
+        }
+    }
+    EXPECT_GT(destination({-17, 179.9}, 90, 400).lon, 180) << "it runs on";
+    EXPECT_NEAR(destination({80, 10}, 0, 2000).lat, 180 - 80 - 2000 / 111.195, 0.01) << "over the pole";
+}
+
 } // namespace
 } // namespace zenka::geo
