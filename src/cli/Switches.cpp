@@ -3,6 +3,7 @@
 #include "cli/Analyze.h"
 #include "cli/AppIconFile.h"
 #include "cli/CompileFile.h"
+#include "cli/ExportWeb.h"
 #include "cli/HorizonTest.h"
 #include "cli/Rehearse.h"
 #include "cli/SonyProbe.h"
@@ -30,7 +31,7 @@ struct Switch {
 };
 
 // The order is fixed: of several switches given, the first of this table is run.
-constexpr std::array<Switch, 9> switches{{
+constexpr std::array<Switch, 10> switches{{
     {"--sony", 0, [](Values) { probeSony(); }},
     {"--usb-names", 0, [](Values) { printUsbNames(); }},
     {"--usb-holders", 0, [](Values values) { printUsbHolders(values.empty() ? "" : values[0]); }},
@@ -40,6 +41,7 @@ constexpr std::array<Switch, 9> switches{{
      [](Values values) { return placeIn(values).has_value(); }},
     {"--icon", 1, [](Values values) { renderAppIcon(values[0], 1024); }},
     {"--analyze", 2, [](Values values) { analyzeCLI(values[0], values[1]); }},
+    {"--export-web", 1, [](Values values) { exportWeb(values[0]); }},
     {"--rehearse", 1, [](Values values) { rehearse(values[0], values.subspan(1)); }},
 }};
 

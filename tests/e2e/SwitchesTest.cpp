@@ -21,11 +21,11 @@ struct Switches : testing::Test {
         int status = 0;
     };
 
-    Result zenka(std::vector<std::string> arguments, const std::string& libraries = "") const {
+    Result zenka(std::vector<std::string> arguments, const std::string& setting = "NOTHING=") const {
         arguments.insert(arguments.begin(), ZENKA_EXECUTABLE);
         // On a desktop too there is nothing that a window could be shown on.
-        Child child(arguments, {"HOME=" + home.string(), "XDG_CONFIG_HOME=", "TZ=UTC", "DISPLAY=",
-                                "WAYLAND_DISPLAY=", "QT_QPA_PLATFORM=", "LD_LIBRARY_PATH=" + libraries});
+        Child child(arguments, {"HOME=" + home.string(), "XDG_CONFIG_HOME=", "TZ=UTC",
+                                "DISPLAY=", "WAYLAND_DISPLAY=", "QT_QPA_PLATFORM=", setting});
         std::string output = child.readRest();
         return {std::move(output), child.wait()};
     }
@@ -174,6 +174,8 @@ TEST_F(Switches, theOrderIsTheTablesAndAMissingValueFallsThrough) {
     EXPECT_EQ(zenka({"--compile"}).output, "") << "starts the application";
     EXPECT_EQ(zenka({"--validated"}).output, "") << "exact comparison";
     EXPECT_EQ(zenka({"--rehearse"}).output, "");
+    EXPECT_TRUE(zenka({"--rehearse", "nothing", "--export-web", "/proc/none", "--analyze"})
+                    .output.starts_with("cannot write /proc/none/"));
 }
 
 TEST_F(Switches, rehearsalsOfTheExamplesFireEveryFrame) {
@@ -246,7 +248,7 @@ TEST_F(Switches, sonyTellsWhatItsSdkSeesAndThatThereIsNone) {
     EXPECT_EQ(none.status, 0);
     EXPECT_EQ(none.output, "CrSDK init: FAILED\nCrSDK version: 0x00000000\nSony cameras enumerated: 0\n");
 
-    const Result two = zenka({"--sony"}, ZENKA_FAKE_CRSDK);
+    const Result two = zenka({"--sony"}, "LD_LIBRARY_PATH=" ZENKA_FAKE_CRSDK);
     EXPECT_EQ(two.status, 0);
     EXPECT_EQ(two.output, "CrSDK init: OK\nCrSDK version: 0x01020304\nSony cameras enumerated: 2\n"
                           "  - ILCE-7M4\n  - ILCE-1\n");
