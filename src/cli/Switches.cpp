@@ -5,6 +5,7 @@
 #include "cli/CompileFile.h"
 #include "cli/ExportWeb.h"
 #include "cli/HorizonTest.h"
+#include "cli/OgImage.h"
 #include "cli/Rehearse.h"
 #include "cli/SonyProbe.h"
 #include "cli/UsbHolders.h"
@@ -31,7 +32,7 @@ struct Switch {
 };
 
 // The order is fixed: of several switches given, the first of this table is run.
-constexpr std::array<Switch, 10> switches{{
+constexpr std::array<Switch, 11> switches{{
     {"--sony", 0, [](Values) { probeSony(); }},
     {"--usb-names", 0, [](Values) { printUsbNames(); }},
     {"--usb-holders", 0, [](Values values) { printUsbHolders(values.empty() ? "" : values[0]); }},
@@ -40,6 +41,7 @@ constexpr std::array<Switch, 10> switches{{
     {"--horizon-test", 2, [](Values values) { printHorizon(*placeIn(values)); },
      [](Values values) { return placeIn(values).has_value(); }},
     {"--icon", 1, [](Values values) { renderAppIcon(values[0], 1024); }},
+    {"--og", 1, [](Values values) { renderOGImage(values[0]); }},
     {"--analyze", 2, [](Values values) { analyzeCLI(values[0], values[1]); }},
     {"--export-web", 1, [](Values values) { exportWeb(values[0]); }},
     {"--rehearse", 1, [](Values values) { rehearse(values[0], values.subspan(1)); }},

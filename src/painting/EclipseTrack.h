@@ -2,8 +2,10 @@
 
 #include "eclipse/EclipsePath.h"
 #include "geo/GeoPoint.h"
+#include "webdata/CentralLine.h"
 
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace zenka::painting {
@@ -18,6 +20,11 @@ struct EclipseTrack {
 };
 
 EclipseTrack trackOf(const eclipse::CentralPath& path, std::optional<eclipse::DurationPoint> greatest);
+
+/// The path with its limits, each where it is, in pieces: it is cut where a pole lies within it, as a limit
+/// jumps to the other side of the world there. The line goes on between them as a piece without a width. Each
+/// has the greatest duration of the whole.
+std::vector<EclipseTrack> piecesOf(std::span<const webdata::LinePoint> line);
 
 /// Slow: not for the main thread.
 EclipseTrack computeTrack(const eclipse::Eclipse& eclipse);

@@ -79,26 +79,6 @@ void paintStretch(QPainter& painter, const MapProjection& map, const MapColors& 
     painter.drawPolyline(stretch(track.central));
 }
 
-void paintTrack(QPainter& painter, const MapProjection& map, const MapColors& colors,
-                const EclipseTrack& track) {
-    if (track.left.empty())
-        return;
-    const auto [west, east] = std::ranges::minmax(track.central, {}, &geo::GeoPoint::lon);
-    constexpr double room = 180; // near a pole the band reaches far round
-    forEachTurn(map, west.lon - room, east.lon + room, [&](double turn) {
-        std::size_t begin = 0;
-        for (std::size_t i = 0; i + 1 < track.left.size(); ++i) {
-            if (inView(map, track, i, turn))
-                continue;
-            if (begin < i)
-                paintStretch(painter, map, colors, track, begin, i + 1, turn);
-            begin = i + 1;
-        }
-        if (begin + 1 < track.left.size())
-            paintStretch(painter, map, colors, track, begin, track.left.size(), turn);
-    });
-}
-
 /// A word on a ground of its own, so that it can be read over anything; to the right of a mark, or left.
 void tag(QPainter& painter, const MapColors& colors, QPointF at, const QString& text, bool right = true) {
     constexpr double room = 18;
@@ -131,6 +111,26 @@ void paintScale(QPainter& painter, const MapProjection& map, const MapColors& co
 }
 
 } // namespace
+
+void paintTrack(QPainter& painter, const MapProjection& map, const MapColors& colors,
+                const EclipseTrack& track) {
+    if (track.left.empty())
+        return;
+    const auto [west, east] = std::ranges::minmax(track.central, {}, &geo::GeoPoint::lon);
+    constexpr double room = 180; // near a pole the band reaches far round
+    forEachTurn(map, west.lon - room, east.lon + room, [&](double turn) {
+        std::size_t begin = 0;
+        for (std::size_t i = 0; i + 1 < track.left.size(); ++i) {
+            if (inView(map, track, i, turn))
+                continue;
+            if (begin < i)
+                paintStretch(painter, map, colors, track, begin, i + 1, turn);
+            begin = i + 1;
+        }
+        if (begin + 1 < track.left.size())
+            paintStretch(painter, map, colors, track, begin, track.left.size(), turn);
+    });
+}
 
 void paintLand(QPainter& painter, const MapProjection& map, const MapColors& colors) {
     const geo::Detail detail = geo::detailFor(map.degreesPerPixel());

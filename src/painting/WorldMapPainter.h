@@ -33,6 +33,10 @@ struct MapMarks {
 /// Sea, land, coasts and borders, as far as they are to be seen.
 void paintLand(QPainter& painter, const MapProjection& map, const MapColors& colors);
 
+/// The path with its edges and its central line.
+void paintTrack(QPainter& painter, const MapProjection& map, const MapColors& colors,
+                const EclipseTrack& track);
+
 /// The path with its central line and greatest duration, sites, cross-hair and a scale.
 void paintMarks(QPainter& painter, const MapProjection& map, const MapColors& colors, const MapMarks& marks,
                 const QFont& font);

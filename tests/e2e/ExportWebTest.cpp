@@ -14,8 +14,8 @@ namespace {
 namespace fs = std::filesystem;
 
 struct ExportWeb : testing::Test {
-    test::TempFolder folder;
-    const fs::path set = folder.path() / "data set";
+    test::Browser browser;
+    const fs::path set = browser.folder() / "data set";
 
     struct Result {
         std::string output;
@@ -26,14 +26,14 @@ struct ExportWeb : testing::Test {
     Result exportTo(const std::string& target, const std::string& limits = "") const {
         test::Child child(
             {"sh", "-c", limits + "exec \"$0\" --export-web \"$1\"", ZENKA_EXECUTABLE, target},
-            {"HOME=" + folder.path().string(), "DISPLAY=", "WAYLAND_DISPLAY=", "QT_QPA_PLATFORM="});
+            {"HOME=" + browser.folder().string(), "DISPLAY=", "WAYLAND_DISPLAY=", "QT_QPA_PLATFORM="});
         std::string output = child.readRest();
         return {std::move(output), child.wait()};
     }
 
     /// Opens the page in a frame of a width, does something there and shows what comes of it as the title.
     std::string inPage(int width, const std::string& hash, const std::string& steps) const {
-        const fs::path frame = folder.path() / "frame.html";
+        const fs::path frame = browser.folder() / "frame.html";
         test::writeFile(
             frame, "<!DOCTYPE html><iframe id=f style='border:0;height:800px;width:" + std::to_string(width) +
                        "px' src='data%20set/index.html" + hash +
@@ -46,7 +46,7 @@ struct ExportWeb : testing::Test {
                        "const change = (id, value, what) => { const e = page.getElementById(id); e.value = "
                        "value; e.dispatchEvent(new Event(what)); };" +
                        steps + "};</script>");
-        return test::browse(folder.path(), {"--dump-dom", "--virtual-time-budget=6000"},
+        return browser.show({"--dump-dom", "--virtual-time-budget=6000"},
                             "file://" + frame.string());
     }
 };
@@ -59,8 +59,8 @@ TEST_F(ExportWeb, theFilesHoldToTheirSchemasAndForeignOnesStay) {
     const Result result = exportTo(set);
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output, testing::StartsWith("208 files, "));
-    EXPECT_EQ(test::contentOf(set / "eclipses/notes.txt"), "mine");
-    EXPECT_THAT(test::contentOf(set / "index.html"), testing::StartsWith("<!DOCTYPE html>"));
+    EXPECT_EQ(test::Browser::contentOf(set / "eclipses/notes.txt"), "mine");
+    EXPECT_THAT(test::Browser::contentOf(set / "index.html"), testing::StartsWith("<!DOCTYPE html>"));
 
     test::Child check({"/usr/bin/python3", ZENKA_SOURCE_DIR "/tests/e2e/check_web_data.py", set.string(),
                        "catalogue.json", "eclipses/2024-04-08.json", "eclipses/2026-08-12.json",
@@ -84,7 +84,7 @@ TEST_F(ExportWeb, aRealBrowserShowsThePageFromADiskAtAnyWidth) {
                    "document.title = (d.scrollWidth - d.clientWidth) + ' ' + all('#places tr').length;"),
             testing::ContainsRegex("<title>0 [0-9][0-9]</title>"))
             << "it is to be scrolled downwards only";
-        EXPECT_THAT(test::contentOf(folder.path() / "log"), Not(HasSubstr("CONSOLE")));
+        EXPECT_THAT(browser.log(), Not(HasSubstr("CONSOLE")));
     }
     EXPECT_THAT(inPage(1366, "#2026-08-12", "document.title = cells('Zaragoza');"),
                 HasSubstr("<title>Zaragoza, ES|17:34:42|18:29:03|18:29:45|18:30:27|(19:21:29)|1 m 23.4 s|"));
@@ -103,7 +103,7 @@ TEST_F(ExportWeb, aRealBrowserShowsThePageFromADiskAtAnyWidth) {
     EXPECT_THAT(title, HasSubstr("<title>0 eclipses / Total Solar Eclipse of 2024 April 08 / "
                                  "Dallas, USAmerica/Chicago|12:23:19|13:40:44|13:42:39|13:44:34|15:02:41|"));
     EXPECT_THAT(title, testing::ContainsRegex("/ A[a-z]+, [A-Z][A-Z].* / Place / 1</title>"));
-    EXPECT_THAT(test::contentOf(folder.path() / "log"), Not(HasSubstr("CONSOLE")));
+    EXPECT_THAT(browser.log(), Not(HasSubstr("CONSOLE")));
 
     EXPECT_THAT(inPage(1000, "#%3Cimg%20src=x%3E", "document.title = page.title;"),
                 testing::ContainsRegex("<title>[A-Z][a-z]+ Solar Eclipse of 20"))
@@ -113,7 +113,7 @@ TEST_F(ExportWeb, aRealBrowserShowsThePageFromADiskAtAnyWidth) {
 TEST_F(ExportWeb, whatIsSaidInTheDataStaysText) {
     ASSERT_EQ(exportTo(set).status, 0);
     const char hostile[] = "<img src=x onerror=console.error(1)>";
-    std::string script = test::contentOf(set / "page/2026-08-12.js");
+    std::string script = test::Browser::contentOf(set / "page/2026-08-12.js");
     for (const std::string name : {"Zaragoza", "Iceland / Spain", "Europe/Madrid", "Total Solar"}) {
         const std::size_t at = script.find(name);
         ASSERT_NE(at, std::string::npos) << name;
@@ -124,18 +124,18 @@ TEST_F(ExportWeb, whatIsSaidInTheDataStaysText) {
                                      "change('clock', 'local', 'change');"
                                      "document.title = all('img').length + ' ' + all('#places tr').length;");
     EXPECT_THAT(title, testing::ContainsRegex("<title>0 [0-9][0-9]</title>"));
-    EXPECT_THAT(test::contentOf(folder.path() / "log"), Not(HasSubstr("CONSOLE")));
+    EXPECT_THAT(browser.log(), Not(HasSubstr("CONSOLE")));
 }
 
 TEST_F(ExportWeb, aFolderThatCannotBeWrittenIsToldInOneSentence) {
-    const std::string file = folder.path() / "a file";
+    const std::string file = browser.folder() / "a file";
     test::writeFile(file, "mine");
     for (const std::string& target : {file, file + "/below", std::string("/proc/none")}) {
         const Result result = exportTo(target);
         EXPECT_EQ(result.status, 0) << target;
         EXPECT_EQ(result.output, "cannot write " + target + "/index.html\n");
     }
-    EXPECT_EQ(test::contentOf(file), "mine");
+    EXPECT_EQ(test::Browser::contentOf(file), "mine");
 
     // As on a full disk some files fit and a later one does not.
     const Result full = exportTo(set, "trap '' XFSZ; ulimit -f 64; ");

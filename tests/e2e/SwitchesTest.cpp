@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace fs = std::filesystem;
 using zenka::test::Child;
@@ -174,8 +175,41 @@ TEST_F(Switches, theOrderIsTheTablesAndAMissingValueFallsThrough) {
     EXPECT_EQ(zenka({"--compile"}).output, "") << "starts the application";
     EXPECT_EQ(zenka({"--validated"}).output, "") << "exact comparison";
     EXPECT_EQ(zenka({"--rehearse"}).output, "");
-    EXPECT_TRUE(zenka({"--rehearse", "nothing", "--export-web", "/proc/none", "--analyze"})
+    EXPECT_TRUE(zenka({"--export-web", "/proc/none", "--og", "/proc/picture"})
+                    .output.starts_with("cannot write /proc/picture"));
+    EXPECT_TRUE(zenka({"--og", "/proc/picture", "--icon", "/proc/icon"})
+                    .output.starts_with("cannot write /proc/icon"));
+    EXPECT_TRUE(zenka({"--rehearse", "nothing", "--export-web", "/proc/none", "--og"})
                     .output.starts_with("cannot write /proc/none/"));
+}
+
+TEST_F(Switches, picturesAreWrittenAsPngsAndWithoutAFontThereIsNone) {
+    const auto sizeOf = [&](const std::string& path) {
+        std::ifstream stream(path, std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+        const auto number = [&](std::size_t at) {
+            int value = 0;
+            for (std::size_t i = at; i < at + 4 && i < bytes.size(); ++i)
+                value = value << 8 | static_cast<unsigned char>(bytes[i]);
+            return value;
+        };
+        return bytes.starts_with("\x89PNG") ? std::to_string(number(16)) + " x " + std::to_string(number(20))
+                                            : "no picture";
+    };
+    const std::string picture = home / "new folder/picture.png";
+    for (const auto& [name, size] : {std::pair{"--icon", "1024 x 1024"}, std::pair{"--og", "1200 x 630"}}) {
+        const Result result = zenka({name, picture});
+        EXPECT_EQ(result.status, 0) << name;
+        EXPECT_EQ(result.output, "") << name;
+        EXPECT_EQ(sizeOf(picture), size) << name;
+        EXPECT_EQ(zenka({name, home}).output, "cannot write " + home.string() + "\n");
+    }
+    const std::string noFonts = file("fonts.conf", "<fontconfig><cachedir>/tmp</cachedir></fontconfig>");
+    const Result result = zenka({"--og", home / "boxes.png"}, "FONTCONFIG_FILE=" + noFonts);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "cannot write " + (home / "boxes.png").string() +
+                                 ": there is no font to write its words with, such as DejaVu Sans\n");
+    EXPECT_FALSE(fs::exists(home / "boxes.png"));
 }
 
 TEST_F(Switches, rehearsalsOfTheExamplesFireEveryFrame) {
