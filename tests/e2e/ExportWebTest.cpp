@@ -46,8 +46,7 @@ struct ExportWeb : testing::Test {
                        "const change = (id, value, what) => { const e = page.getElementById(id); e.value = "
                        "value; e.dispatchEvent(new Event(what)); };" +
                        steps + "};</script>");
-        return browser.show({"--dump-dom", "--virtual-time-budget=6000"},
-                            "file://" + frame.string());
+        return browser.show({"--dump-dom", "--virtual-time-budget=6000"}, "file://" + frame.string());
     }
 };
 
