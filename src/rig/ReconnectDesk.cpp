@@ -244,8 +244,11 @@ void ReconnectDesk::scan(bool busHasChanged) {
     // What another driver holds still must be let go of first.
     for (const Look& look : looks) {
         for (const DownBody& body : look.bodies) {
-            if (const auto camera = cameraOf(body.id); camera && camera->connected())
+            const auto camera = cameraOf(body.id);
+            if (camera && camera->connected())
                 look.family->release(camera);
+            else if (camera) // a driver that gave up by itself may still hold a session
+                camera->suspend();
         }
     }
     reconnectInFlight_ = true;

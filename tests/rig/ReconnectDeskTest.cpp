@@ -117,6 +117,15 @@ TEST_F(Reconnect, adviceComesOnceAfterThirtySeconds) {
     EXPECT_EQ(rig.countLines("reconnected after 30s"), 2) << "the next loss is another one";
 }
 
+TEST_F(Reconnect, aDriverThatGaveUpByItselfLetsGoOfItsSession) {
+    run(1);
+    rig.run(5);
+    const auto lost = body(1);
+    lost->disconnect(); // while its session with the body stands, nobody can have another one
+    rig.run(4);
+    EXPECT_TRUE(lost->suspended);
+}
+
 TEST_F(Reconnect, aBodyThatAnswersItsProbeIsNeverRebuilt) {
     run(1);
     const auto camera = body(1);
