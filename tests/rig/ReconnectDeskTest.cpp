@@ -121,8 +121,9 @@ TEST_F(Reconnect, aDriverThatGaveUpByItselfLetsGoOfItsSession) {
     run(1);
     rig.run(5);
     const auto lost = body(1);
-    lost->disconnect(); // while its session with the body stands, nobody can have another one
-    rig.run(4);
+    lost->disconnect(); // while its session stands, nobody can have another one with the body
+    family->pull("N1");
+    rig.run(10);
     EXPECT_TRUE(lost->suspended);
 }
 
