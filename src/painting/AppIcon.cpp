@@ -38,7 +38,7 @@ Look lookAt(int size) {
 /// Where the last of the Sun shows, from the Moon's centre.
 constexpr double diamondAngle = 0.23 * std::numbers::pi;
 
-/// Above this much the smallest icons are drawn too large and made smaller, so that thin parts keep their
+/// Below this much icons are drawn too large and made smaller, so that thin parts keep their
 /// light.
 constexpr int leastDrawn = 256;
 
