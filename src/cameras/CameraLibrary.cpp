@@ -12,21 +12,37 @@ namespace {
 
 using OrderedJson = nlohmann::ordered_json;
 
-std::string toJson(const std::vector<CameraLibraryEntry>& entries) {
+std::string listText(const std::vector<CameraLibraryEntry>& entries) {
     OrderedJson list = OrderedJson::array();
-    for (const CameraLibraryEntry& entry : entries) {
-        OrderedJson item{{"serial", entry.serial}, {"model", entry.model}, {"label", entry.label}};
-        if (entry.lens)
-            item["lens"] = *entry.lens;
-        if (entry.framing)
-            item["framing"] = toJson(*entry.framing);
-        list.push_back(std::move(item));
-    }
+    for (const CameraLibraryEntry& entry : entries)
+        list.push_back(toJson(entry));
     return list.dump(2, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
 }
 
-/// What cannot be read of the framing costs only itself, which `whole` tells.
-std::optional<CameraLibraryEntry> fromJson(const OrderedJson& item, bool& whole) {
+/// Whether the list changed.
+bool putInto(std::vector<CameraLibraryEntry>& entries, const CameraLibraryEntry& entry) {
+    const auto place = std::ranges::find(entries, entry.serial, &CameraLibraryEntry::serial);
+    if (entry.serial.empty() || (place != entries.end() && *place == entry))
+        return false;
+    if (place == entries.end())
+        entries.push_back(entry);
+    else
+        *place = entry;
+    return true;
+}
+
+} // namespace
+
+OrderedJson toJson(const CameraLibraryEntry& entry) {
+    OrderedJson item{{"serial", entry.serial}, {"model", entry.model}, {"label", entry.label}};
+    if (entry.lens)
+        item["lens"] = *entry.lens;
+    if (entry.framing)
+        item["framing"] = toJson(*entry.framing);
+    return item;
+}
+
+std::optional<CameraLibraryEntry> libraryEntryFrom(const nlohmann::json& item, bool& whole) {
     const auto text = [&](const char* key) -> std::optional<std::string> {
         const auto found = item.find(key);
         if (found == item.end() || !found->is_string())
@@ -52,20 +68,6 @@ std::optional<CameraLibraryEntry> fromJson(const OrderedJson& item, bool& whole)
                               .framing = framing};
 }
 
-/// Whether the list changed.
-bool putInto(std::vector<CameraLibraryEntry>& entries, const CameraLibraryEntry& entry) {
-    const auto place = std::ranges::find(entries, entry.serial, &CameraLibraryEntry::serial);
-    if (entry.serial.empty() || (place != entries.end() && *place == entry))
-        return false;
-    if (place == entries.end())
-        entries.push_back(entry);
-    else
-        *place = entry;
-    return true;
-}
-
-} // namespace
-
 CameraLibrary::CameraLibrary(ports::KeptFile::Means means, const ports::Folders& folders)
     : file_(std::move(means), folders.applicationSupport() / "cameras.json", "The camera library",
             "zenka.cameralibrary") {
@@ -76,10 +78,10 @@ std::optional<std::string> CameraLibrary::load() {
     const auto text = file_.load();
     if (!text)
         return std::nullopt;
-    const OrderedJson list = OrderedJson::parse(*text, nullptr, false);
+    const auto list = nlohmann::json::parse(*text, nullptr, false);
     bool whole = list.is_array();
-    for (const OrderedJson& item : whole ? list : OrderedJson::array()) {
-        if (const auto entry = fromJson(item, whole))
+    for (const auto& item : whole ? list : nlohmann::json::array()) {
+        if (const auto entry = libraryEntryFrom(item, whole))
             putInto(entries_, *entry);
         else
             whole = false;
@@ -106,13 +108,21 @@ void CameraLibrary::put(const CameraLibraryEntry& entry) {
         save();
 }
 
+void CameraLibrary::put(const std::vector<CameraLibraryEntry>& entries) {
+    bool changed = false;
+    for (const CameraLibraryEntry& entry : entries)
+        changed = putInto(entries_, entry) || changed;
+    if (changed)
+        save();
+}
+
 void CameraLibrary::remove(std::string_view serial) {
     if (std::erase_if(entries_, [&](const auto& entry) { return entry.serial == serial; }) > 0)
         save();
 }
 
 void CameraLibrary::save() {
-    file_.save(toJson(entries_));
+    file_.save(listText(entries_));
 }
 
 } // namespace zenka::cameras

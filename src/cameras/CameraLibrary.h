@@ -4,6 +4,8 @@
 #include "ports/Folders.h"
 #include "ports/KeptFile.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -23,6 +25,10 @@ struct CameraLibraryEntry {
 
     friend bool operator==(const CameraLibraryEntry&, const CameraLibraryEntry&) = default;
 };
+
+nlohmann::ordered_json toJson(const CameraLibraryEntry& entry);
+/// Nothing for what is no entry. What cannot be read of the framing costs only itself, which `whole` tells.
+std::optional<CameraLibraryEntry> libraryEntryFrom(const nlohmann::json& json, bool& whole);
 
 /// The bodies that were given a label, a lens or a framing, kept by their serials in the file "cameras.json"
 /// from one session to the next. Main thread.
@@ -44,6 +50,8 @@ public:
     /// Adds an entry, or puts it in the place of the one with its serial. One with no serial is passed over.
     /// The file is written without waiting for it.
     void put(const CameraLibraryEntry& entry);
+    /// Likewise several, written once.
+    void put(const std::vector<CameraLibraryEntry>& entries);
 
     /// Likewise. An unknown serial is passed over.
     void remove(std::string_view serial);

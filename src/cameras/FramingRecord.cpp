@@ -10,7 +10,7 @@ namespace zenka::cameras {
 
 namespace {
 
-using FramingJson = nlohmann::ordered_json;
+using FramingJson = nlohmann::json;
 
 /// The number under a key if it is one and passes; a key that is there and does not pass is told.
 template <typename Passes>
@@ -63,8 +63,8 @@ std::optional<double> focalOf(std::string_view lens) {
     return focal && plausibleFocal(*focal) ? focal : std::nullopt;
 }
 
-FramingJson toJson(const FramingRecord& framing) {
-    FramingJson json = FramingJson::object();
+nlohmann::ordered_json toJson(const FramingRecord& framing) {
+    auto json = nlohmann::ordered_json::object();
     if (framing.focalMm)
         json["focalMm"] = *framing.focalMm;
     if (framing.converter != 1)

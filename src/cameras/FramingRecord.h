@@ -33,7 +33,7 @@ std::string framingText(const FramingRecord& framing);
 
 /// Takes each field that makes sense; the others stay as they were at first, and `whole` tells of them. Keys
 /// that are not known are passed over.
-FramingRecord framingFrom(const nlohmann::ordered_json& json, bool& whole);
+FramingRecord framingFrom(const nlohmann::json& json, bool& whole);
 /// The same from a text; nothing for one that is no object.
 std::optional<FramingRecord> framingFrom(std::string_view text);
 

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <limits>
 #include <sys/stat.h>
 
 namespace zenka::platform {
@@ -147,15 +148,19 @@ bool writeWhole(const fs::path& path, std::string_view bytes, mode_t fresh, mode
 } // namespace
 
 std::optional<std::string> LinuxFiles::read(const fs::path& path) {
+    return readBeginning(path, std::numeric_limits<std::size_t>::max());
+}
+
+std::optional<std::string> LinuxFiles::readBeginning(const fs::path& path, std::size_t most) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
     if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
     std::string content;
-    content.reserve(static_cast<std::size_t>(status.st_size));
+    content.reserve(std::min(static_cast<std::size_t>(status.st_size), most));
     std::array<char, 65536> piece{};
     for (;;) {
-        const ssize_t got = ::read(file.get(), piece.data(), piece.size());
+        const ssize_t got = ::read(file.get(), piece.data(), std::min(piece.size(), most - content.size()));
         if (got == 0)
             return content;
         if (got > 0)

@@ -14,6 +14,7 @@ public:
     std::optional<std::string> read(const std::filesystem::path& path) override;
 
     /// A symbolic link stays one: what it names is written.
+    std::optional<std::string> readBeginning(const std::filesystem::path& path, std::size_t most) override;
     bool writeAtomically(const std::filesystem::path& path, std::string_view bytes) override;
     bool writeDocument(const std::filesystem::path& path, std::string_view bytes) override;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -27,6 +28,9 @@ public:
 
     /// The whole content; nothing when it cannot be read.
     virtual std::optional<std::string> read(const std::filesystem::path& path) = 0;
+
+    /// Its first bytes, at most so many: for a file of which nobody knows how long it is.
+    virtual std::optional<std::string> readBeginning(const std::filesystem::path& path, std::size_t most) = 0;
 
     /// Writes a whole file so that a crash or a power cut leaves either the old content or the new one.
     /// Makes missing folders.

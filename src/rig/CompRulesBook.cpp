@@ -20,6 +20,7 @@ using Json = nlohmann::json;
 namespace {
 
 constexpr char keyPrefix[] = "eclipse.compRules.";
+constexpr std::array<std::string_view, 2> keyKinds{"serial:", "token:"};
 
 constexpr std::array<std::pair<CompVariable, const char*>, 3> variableNames{
     {{CompVariable::shutter, "shutter"}, {CompVariable::iso, "iso"}, {CompVariable::aperture, "aperture"}}};
@@ -64,7 +65,7 @@ bool takeInteger(const Json& json, int& number) {
 
 } // namespace
 
-std::string encodeCompRules(const CompRules& rules) {
+Json toJson(const CompRules& rules) {
     return Json{{"order", listOf(rules.order)},
                 {"enabled", listOf(rules.enabled)},
                 {"balanced", rules.balanced},
@@ -73,12 +74,18 @@ std::string encodeCompRules(const CompRules& rules) {
                 {"shutterFastestSec", rules.shutterFastestSec},
                 {"shutterSlowestSec", rules.shutterSlowestSec},
                 {"apertureWidest", rules.apertureWidest},
-                {"apertureNarrowest", rules.apertureNarrowest}}
-        .dump();
+                {"apertureNarrowest", rules.apertureNarrowest}};
+}
+
+std::string encodeCompRules(const CompRules& rules) {
+    return toJson(rules).dump();
 }
 
 std::optional<CompRules> decodeCompRules(std::string_view text) {
-    const Json json = Json::parse(text, nullptr, false);
+    return compRulesFrom(Json::parse(text, nullptr, false));
+}
+
+std::optional<CompRules> compRulesFrom(const Json& json) {
     if (!json.is_object())
         return std::nullopt;
     const auto field = [&json](const char* key) { return json.value(key, Json()); };
@@ -112,6 +119,33 @@ std::string CompRulesBook::compRulesKey(const std::string& token) const {
         if (camera->connected() && !camera->serial().empty() && !roster_.serialShared(camera->serial()))
             return "serial:" + camera->serial();
     return "token:" + token;
+}
+
+bool CompRulesBook::isKey(std::string_view key) {
+    return std::ranges::any_of(
+        keyKinds, [&](std::string_view kind) { return key.starts_with(kind) && key.size() > kind.size(); });
+}
+
+CompRulesBook::AllRules CompRulesBook::all() const {
+    AllRules all;
+    const std::string prefix = keyPrefix;
+    for (const std::string& key : ports_.settings.keysBeginningWith(prefix)) {
+        const auto rules = decodeCompRules(ports_.settings.text(key).value_or(""));
+        if (rules && isKey(key.substr(prefix.size())))
+            all.emplace(key.substr(prefix.size()), *rules);
+    }
+    return all;
+}
+
+void CompRulesBook::merge(const AllRules& rules) {
+    for (const auto& [key, each] : rules) {
+        if (!isKey(key) || !fault(each).empty())
+            continue;
+        ports_.settings.setText(keyPrefix + key, encodeCompRules(each));
+        compRulesCache_[key] = each;
+    }
+    if (!rules.empty())
+        changed_.emit({});
 }
 
 std::optional<CompRules> CompRulesBook::saved(const std::string& token) const {

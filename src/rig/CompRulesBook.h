@@ -5,6 +5,8 @@
 #include "rig/CameraRoster.h"
 #include "rig/RigLog.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <map>
 #include <optional>
 #include <string>
@@ -26,9 +28,18 @@ public:
     bool hasSavedCompRules(const std::string& token) const { return saved(token).has_value(); }
     void saveCompRules(const exposure::CompRules& rules, const std::string& token);
 
+    /// All saved rules, by "serial:" with a serial number behind it, or "token:" with a name of a script.
+    using AllRules = std::map<std::string, exposure::CompRules>;
+    AllRules all() const;
+    /// Takes rules in addition, and in the place of those of the same key.
+    void merge(const AllRules& rules);
+    /// What a key of such a map may be.
+    static bool isKey(std::string_view key);
+
     /// A sentence on what cannot be kept; empty for rules that make sense.
     static std::string fault(const exposure::CompRules& rules);
 
+    /// The token; an empty one stands for all.
     sigc::signal<void(const std::string& token)>& changed() { return changed_; }
 
 private:
@@ -42,7 +53,10 @@ private:
     sigc::signal<void(const std::string&)> changed_;
 };
 
-/// As they are kept: an object with a key for each field. Nothing for a text that is not one, whole.
+/// As they are kept: an object with a key for each field. Nothing for what is not one, whole.
+nlohmann::json toJson(const exposure::CompRules& rules);
+std::optional<exposure::CompRules> compRulesFrom(const nlohmann::json& json);
+/// The same as a text.
 std::optional<exposure::CompRules> decodeCompRules(std::string_view json);
 std::string encodeCompRules(const exposure::CompRules& rules);
 

@@ -30,4 +30,23 @@ void FramingBook::keep(const std::string& serial, const std::string& label,
         settings_.setText(keyOf(label), cameras::framingText(framing));
 }
 
+FramingBook::ByLabel FramingBook::underLabels() const {
+    ByLabel framings;
+    const auto note = [&](const std::string& key, const std::string& label) {
+        const auto text = settings_.text(key);
+        if (const auto framing = text ? cameras::framingFrom(*text) : std::nullopt)
+            framings.emplace(label, *framing);
+    };
+    note(settingsKeys::framingPlan, "");
+    const std::string prefix = settingsKeys::framingPrefix;
+    for (const std::string& key : settings_.keysBeginningWith(prefix))
+        note(key, key.substr(prefix.size()));
+    return framings;
+}
+
+void FramingBook::merge(const ByLabel& framings) {
+    for (const auto& [label, framing] : framings)
+        settings_.setText(keyOf(label), cameras::framingText(framing));
+}
+
 } // namespace zenka::rig

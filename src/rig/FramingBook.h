@@ -4,6 +4,7 @@
 #include "ports/Settings.h"
 #include "rig/LibraryDesk.h"
 
+#include <map>
 #include <optional>
 #include <string>
 
@@ -20,6 +21,11 @@ public:
     /// plan without a body.
     std::optional<cameras::FramingRecord> find(const std::string& serial, const std::string& label) const;
     void keep(const std::string& serial, const std::string& label, const cameras::FramingRecord& framing);
+    /// What stands under labels, in small letters; the empty one is the plan's.
+    using ByLabel = std::map<std::string, cameras::FramingRecord>;
+    ByLabel underLabels() const;
+    /// Takes framings in addition, and in the place of those under the same label.
+    void merge(const ByLabel& framings);
     /// Whether it goes into the library.
     bool inLibrary(const std::string& serial) const { return library_.lensFault(serial).empty(); }
 

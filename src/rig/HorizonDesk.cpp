@@ -69,13 +69,25 @@ void HorizonDesk::cancel() {
     progress_.set(std::nullopt);
 }
 
+void HorizonDesk::put(const KnownHorizon& horizon) {
+    std::erase_if(known_, [&](const KnownHorizon& each) { return isOf(each, horizon.lat, horizon.lon); });
+    if (known_.size() >= mostKept)
+        known_.erase(known_.begin());
+    known_.push_back(horizon);
+}
+
+void HorizonDesk::merge(const std::vector<KnownHorizon>& horizons) {
+    if (horizons.empty())
+        return;
+    for (const KnownHorizon& horizon : horizons)
+        put(horizon);
+    store_.save(known_);
+    followSite();
+}
+
 void HorizonDesk::take(const TerrainSurvey::Place& place, const TerrainSurvey::Outcome& outcome) {
     if (outcome.usable()) {
-        std::erase_if(known_,
-                      [&](const KnownHorizon& horizon) { return isOf(horizon, place.lat, place.lon); });
-        if (known_.size() >= mostKept)
-            known_.erase(known_.begin());
-        known_.push_back({.lat = place.lat, .lon = place.lon, .result = outcome.result});
+        put({.lat = place.lat, .lon = place.lon, .result = outcome.result});
         store_.save(known_);
         followSite();
     }

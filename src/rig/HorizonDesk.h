@@ -41,6 +41,9 @@ public:
     /// The one of a place within 50 m of this one; nothing when it was never found.
     const KnownHorizon* at(double lat, double lon) const;
 
+    /// Takes horizons in addition, and in the place of those of the same places.
+    void merge(const std::vector<KnownHorizon>& horizons);
+
     /// Finds the one of a place, in the place of a search that is under way. What is usable is kept.
     void find(const TerrainSurvey::Place& place, bool buildings);
     void cancel();
@@ -51,6 +54,7 @@ public:
     const base::Published<std::string>& remark() const { return remark_; }
 
 private:
+    void put(const KnownHorizon& horizon);
     void take(const TerrainSurvey::Place& place, const TerrainSurvey::Outcome& outcome);
     void followSite();
 

@@ -6,15 +6,17 @@
 
 namespace zenka::rig {
 
-namespace {
-
 using Json = nlohmann::json;
+
+namespace {
 
 bool hasNumber(const Json& object, const char* key) {
     return object.contains(key) && object[key].is_number();
 }
 
-std::optional<KnownHorizon> horizonIn(const Json& item) {
+} // namespace
+
+std::optional<KnownHorizon> horizonFrom(const Json& item) {
     const std::size_t wanted = eclipse::TerrainHorizon::azimuths;
     if (!item.is_object() || !hasNumber(item, "lat") || !hasNumber(item, "lon") ||
         !item.contains("samples") || !item["samples"].is_array() || item["samples"].size() != wanted)
@@ -33,20 +35,21 @@ std::optional<KnownHorizon> horizonIn(const Json& item) {
     return horizon;
 }
 
-} // namespace
+Json toJson(const KnownHorizon& horizon) {
+    constexpr double steps = 1000; // of a degree
+    Json item{{"lat", horizon.lat}, {"lon", horizon.lon}, {"source", horizon.result.source}};
+    if (horizon.result.observerHeightM)
+        item["height"] = *horizon.result.observerHeightM;
+    Json& samples = item["samples"] = Json::array();
+    for (const double sample : horizon.result.samples)
+        samples.push_back(std::round(sample * steps) / steps);
+    return item;
+}
 
 std::string toJson(const std::vector<KnownHorizon>& horizons) {
-    constexpr double steps = 1000; // of a degree
     Json list = Json::array();
-    for (const KnownHorizon& horizon : horizons) {
-        Json item{{"lat", horizon.lat}, {"lon", horizon.lon}, {"source", horizon.result.source}};
-        if (horizon.result.observerHeightM)
-            item["height"] = *horizon.result.observerHeightM;
-        Json& samples = item["samples"] = Json::array();
-        for (const double sample : horizon.result.samples)
-            samples.push_back(std::round(sample * steps) / steps);
-        list.push_back(std::move(item));
-    }
+    for (const KnownHorizon& horizon : horizons)
+        list.push_back(toJson(horizon));
     return list.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
@@ -56,7 +59,7 @@ std::optional<std::vector<KnownHorizon>> horizonsFromJson(std::string_view json)
         return std::nullopt;
     std::vector<KnownHorizon> horizons;
     for (const Json& item : list) {
-        if (auto horizon = horizonIn(item))
+        if (auto horizon = horizonFrom(item))
             horizons.push_back(*std::move(horizon));
     }
     return horizons;

@@ -4,6 +4,8 @@
 #include "ports/KeptFile.h"
 #include "ports/Ports.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -20,6 +22,11 @@ struct KnownHorizon {
 
     friend bool operator==(const KnownHorizon&, const KnownHorizon&) = default;
 };
+
+/// Elevations are rounded to a thousandth of a degree.
+nlohmann::json toJson(const KnownHorizon& horizon);
+/// Nothing for what is none.
+std::optional<KnownHorizon> horizonFrom(const nlohmann::json& json);
 
 std::string toJson(const std::vector<KnownHorizon>& horizons);
 /// One that cannot be read is left out; nothing when none of the text can.

@@ -78,6 +78,15 @@ void LibraryDesk::put(const Entry& entry) {
     changed_.emit();
 }
 
+void LibraryDesk::merge(const std::vector<Entry>& entries) {
+    for (const Entry& entry : entries) {
+        std::erase_if(forgotten_, [&](const Entry& each) { return each.serial == entry.serial; });
+        roster_.setLabelOfSerial(entry.serial, entry.label);
+    }
+    library_.put(entries);
+    changed_.emit();
+}
+
 void LibraryDesk::forget(const std::string& serial) {
     const auto entry = library_.find(serial);
     if (!entry)

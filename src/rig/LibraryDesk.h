@@ -38,6 +38,9 @@ public:
     /// Likewise how a body looks at the Sun; false where nothing can be kept for the serial number.
     bool setFraming(const std::string& serial, const cameras::FramingRecord& framing);
 
+    /// Takes entries in addition, and in the place of those of the same serial number, with their labels.
+    void merge(const std::vector<Entry>& entries);
+
     /// A body in the roster keeps its label for this session.
     void forget(const std::string& serial);
     /// The bodies that undoForget() brings back, the last one first. One that has become known again

@@ -80,6 +80,53 @@ std::optional<MeasuredFloors::LongFrameFloor> MeasuredFloors::longFrameFloor(con
     return LongFrameFloor{.shutterSec = *shutter, .cadenceSec = *cadence, .held = held->get<bool>()};
 }
 
+std::map<std::string, MeasuredFloors::OfModel> MeasuredFloors::all() const {
+    std::map<std::string, OfModel> models;
+    for (const std::string prefix : allPrefixes) {
+        for (const std::string& key : settings_.keysBeginningWith(prefix))
+            models.try_emplace(key.substr(prefix.size()));
+    }
+    for (auto& [model, known] : models)
+        known = {.floorSec = measuredFloor(model),
+                 .sameFloorSec = measuredSameFloor(model),
+                 .sustainedSec = sustainedFloor(model),
+                 .burst = burstDepth(model),
+                 .longFrames = longFrameFloor(model)};
+    std::erase_if(models, [](const auto& each) { return each.second == OfModel{}; });
+    return models;
+}
+
+void MeasuredFloors::merge(const std::map<std::string, OfModel>& models) {
+    const auto number = [this](const char* prefix, const std::string& model, std::optional<double> value) {
+        if (value && isMeasurement(*value))
+            settings_.setNumber(prefix + model, *value);
+    };
+    for (const auto& [model, known] : models) {
+        number(keys::measuredFloorPrefix, model, known.floorSec);
+        number(keys::measuredSameFloorPrefix, model, known.sameFloorSec);
+        number(keys::sustainedFloorPrefix, model, known.sustainedSec);
+        keepBurstDepth(model, known.burst.value_or(BurstDepth{}));
+        keepLongFrameFloor(model, known.longFrames.value_or(LongFrameFloor{}));
+    }
+}
+
+bool MeasuredFloors::keepBurstDepth(const std::string& model, const BurstDepth& depth) {
+    if (depth.frames < 1 || !isMeasurement(depth.cadenceSec))
+        return false;
+    settings_.setNumber(keys::burstDepthPrefix + model, depth.frames);
+    settings_.setNumber(keys::burstCadencePrefix + model, depth.cadenceSec);
+    return true;
+}
+
+bool MeasuredFloors::keepLongFrameFloor(const std::string& model, const LongFrameFloor& floor) {
+    if (!isMeasurement(floor.shutterSec) || !isMeasurement(floor.cadenceSec))
+        return false;
+    settings_.setText(
+        keys::longFrameFloorPrefix + model,
+        Json{{"shutter", floor.shutterSec}, {"cadence", floor.cadenceSec}, {"held", floor.held}}.dump());
+    return true;
+}
+
 void MeasuredFloors::saveFloor(const char* prefix, const std::string& model, double floorSec,
                                const char* settings) {
     if (!isMeasurement(floorSec))
@@ -100,20 +147,16 @@ void MeasuredFloors::saveSustainedFloor(const std::string& model, double cadence
 }
 
 void MeasuredFloors::saveBurstDepth(const std::string& model, int cleanFrames, double cadenceSec) {
-    if (cleanFrames < 1 || !isMeasurement(cadenceSec))
+    if (!keepBurstDepth(model, {.frames = cleanFrames, .cadenceSec = cadenceSec}))
         return;
-    settings_.setNumber(keys::burstDepthPrefix + model, cleanFrames);
-    settings_.setNumber(keys::burstCadencePrefix + model, cadenceSec);
     report("profile",
            {{"model", model}, {"burst_frames", std::int64_t{cleanFrames}}, {"burst_cadence", cadenceSec}});
 }
 
 void MeasuredFloors::saveLongFrameFloor(const std::string& model, double shutterSec, double cadenceSec,
                                         bool held) {
-    if (!isMeasurement(shutterSec) || !isMeasurement(cadenceSec))
+    if (!keepLongFrameFloor(model, {.shutterSec = shutterSec, .cadenceSec = cadenceSec, .held = held}))
         return;
-    settings_.setText(keys::longFrameFloorPrefix + model,
-                      Json{{"shutter", shutterSec}, {"cadence", cadenceSec}, {"held", held}}.dump());
     report("profile", {{"model", model},
                        {"long_shutter_s", shutterSec},
                        {"long_cadence", cadenceSec},

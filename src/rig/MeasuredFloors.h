@@ -31,6 +31,17 @@ public:
         friend bool operator==(const LongFrameFloor&, const LongFrameFloor&) = default;
     };
 
+    /// All that is known of one model.
+    struct OfModel {
+        std::optional<double> floorSec;
+        std::optional<double> sameFloorSec;
+        std::optional<double> sustainedSec;
+        std::optional<BurstDepth> burst;
+        std::optional<LongFrameFloor> longFrames;
+
+        friend bool operator==(const OfModel&, const OfModel&) = default;
+    };
+
     explicit MeasuredFloors(ports::Settings& settings) : settings_(settings) {}
 
     /// The smallest clean spacing, in seconds, between frames that change a setting.
@@ -41,6 +52,12 @@ public:
     std::optional<double> sustainedFloor(const std::string& model) const;
     std::optional<BurstDepth> burstDepth(const std::string& model) const;
     std::optional<LongFrameFloor> longFrameFloor(const std::string& model) const;
+
+    /// Every model that something was measured of.
+    std::map<std::string, OfModel> all() const;
+    /// Takes what was measured elsewhere, each in the place of the same measurement here, and reports
+    /// nothing.
+    void merge(const std::map<std::string, OfModel>& models);
 
     /// Each also reports an event "profile". A value that is no measurement is not kept.
     void saveMeasuredFloor(const std::string& model, double floorSec, bool same);
@@ -63,6 +80,8 @@ public:
 private:
     std::optional<double> positive(const std::string& key) const;
     void saveFloor(const char* prefix, const std::string& model, double floorSec, const char* settings);
+    bool keepBurstDepth(const std::string& model, const BurstDepth& depth);
+    bool keepLongFrameFloor(const std::string& model, const LongFrameFloor& floor);
     void discard(const std::function<bool(const std::string& model)>& wanted);
 
     ports::Settings& settings_;

@@ -29,6 +29,7 @@
 #include "rig/ReconnectDesk.h"
 #include "rig/RenderPace.h"
 #include "rig/RigLog.h"
+#include "rig/RigTransfer.h"
 #include "rig/RunAnalyzer.h"
 #include "rig/RunKeeper.h"
 #include "rig/RunLogbook.h"
@@ -103,6 +104,7 @@ public:
     TimeSources& time() { return time_; }
     Preflight& preflight() { return preflight_; }
     ExposureCheck& exposureCheck() { return exposureCheck_; }
+    RigTransfer& transfer() { return transfer_; }
     RenderPace& renderPace() { return renderPace_; }
     FireClock& fireClock() { return fireClock_; }
 
@@ -154,6 +156,7 @@ private:
     TimeSources time_;
     Preflight preflight_;
     ExposureCheck exposureCheck_;
+    RigTransfer transfer_;
     RenderPace renderPace_;
     FireClock fireClock_;
 };

@@ -245,6 +245,11 @@ void ScriptDesk::loadExample(std::string text, std::string name) {
     compile();
 }
 
+void ScriptDesk::takeFromElsewhere(std::string text, std::string name) {
+    arrived_.emit(text, Arrival::opened);
+    load(std::move(text), std::move(name));
+}
+
 void ScriptDesk::applyWizardScript(std::string text, const std::string& name, const std::string& savedPath) {
     const auto saved = Fingerprint::of(text);
     replace(std::move(text), {.name = name, .file = savedPath, .saved = saved});

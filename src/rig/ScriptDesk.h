@@ -29,7 +29,7 @@ public:
 
     /// How a text came here that the user did not write here.
     enum class Arrival {
-        opened,   ///< from a file that the user has just chosen
+        opened,   ///< from a file that the user has just chosen, of its own or with more in it
         atStart,  ///< from a file that the program begins with
         lastTime, ///< as it stood when the program ended
     };
@@ -96,6 +96,9 @@ public:
     void newScript();
     /// A script that belongs to no file, compiled.
     void loadExample(std::string text, std::string name);
+    /// A script that came to this computer in something else than a file of its own. It is as little trusted
+    /// as one that was opened; compile() follows up.
+    void takeFromElsewhere(std::string text, std::string name);
     /// The script wizard's script, compiled. savedPath is the file that it was written to, empty for none.
     void applyWizardScript(std::string text, const std::string& name, const std::string& savedPath = {});
 

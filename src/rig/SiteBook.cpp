@@ -1,5 +1,6 @@
 #include "rig/SiteBook.h"
 
+#include "base/Text.h"
 #include "rig/SettingsKeys.h"
 
 #include <absl/strings/str_format.h>
@@ -19,6 +20,10 @@ std::string estimatedZone(double lon) {
 }
 
 } // namespace
+
+bool isSame(const SavedSite& one, const SavedSite& other) {
+    return one.id == other.id || base::equalIgnoringCase(one.name, other.name);
+}
 
 SiteBook::SiteBook(const ports::Ports& ports, RigLog& log, SiteDesk& desk)
     : ports_(ports), log_(log), desk_(desk),
@@ -60,6 +65,23 @@ void SiteBook::applySite(const SavedSite& site) {
     desk_.setSite({.lat = site.lat, .lon = site.lon, .elev = site.elev, .label = site.name, .tzId = site.tz});
     desk_.confirmLocation(true);
     desk_.recompute();
+}
+
+void SiteBook::merge(const std::vector<SavedSite>& sites) {
+    std::vector<SavedSite> merged = savedSites_.get();
+    for (const SavedSite& site : sites) {
+        const auto same =
+            std::ranges::find_if(merged, [&](const SavedSite& each) { return isSame(each, site); });
+        if (same == merged.end()) {
+            merged.push_back(site);
+            continue;
+        }
+        if (defaultSiteId() == same->id)
+            setDefaultSite(site.id);
+        *same = site;
+    }
+    if (merged != savedSites_.get())
+        change(std::move(merged));
 }
 
 void SiteBook::deleteSite(const std::string& id) {

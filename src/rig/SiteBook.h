@@ -12,6 +12,9 @@
 
 namespace zenka::rig {
 
+/// Whether one of two sites takes the place of the other one where lists are merged.
+bool isSame(const SavedSite& one, const SavedSite& other);
+
 /// The sites that the user keeps, and the ways to set the current one: from a saved site, from a point
 /// whose time zone and name are looked up, from a receiver.
 class SiteBook {
@@ -27,6 +30,8 @@ public:
     void addSite(const std::string& name, double lat, double lon, double elev, const std::string& tz);
     void saveCurrentSite(const std::string& name);
     void applySite(const SavedSite& site);
+    /// Takes sites in addition, and in the place of those of the same id or name.
+    void merge(const std::vector<SavedSite>& sites);
     void deleteSite(const std::string& id);
     void setDefaultSite(const std::optional<std::string>& id);
     std::optional<std::string> defaultSiteId() const;

@@ -10,7 +10,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace zenka::rig {
@@ -18,39 +17,6 @@ namespace zenka::rig {
 namespace {
 
 constexpr char defaultEclipseId[] = "2026-08-12";
-
-struct RememberedSite {
-    Site site;
-    bool confirmed = false;
-};
-
-/// Nothing when anything of it is missing, of another type, or nowhere on Earth.
-std::optional<RememberedSite> rememberedSiteFromJson(std::string_view json) {
-    const auto record = nlohmann::json::parse(json, nullptr, false);
-    if (!record.is_object())
-        return std::nullopt;
-    const auto number = [&](const char* key) {
-        const auto found = record.find(key);
-        return found != record.end() && found->is_number() ? std::optional(found->get<double>())
-                                                           : std::nullopt;
-    };
-    const auto textOf = [&](const char* key) {
-        const auto found = record.find(key);
-        return found != record.end() && found->is_string() ? std::optional(found->get<std::string>())
-                                                           : std::nullopt;
-    };
-    const auto lat = number("lat");
-    const auto lon = number("lon");
-    const auto elev = number("elev");
-    const auto label = textOf("label");
-    const auto tz = textOf("tz");
-    if (!lat || !lon || !elev || !label || !tz || !(std::abs(*lat) <= 90) || !(std::abs(*lon) <= 180))
-        return std::nullopt;
-    const auto confirmed = record.find("confirmed");
-    return RememberedSite{.site = {.lat = *lat, .lon = *lon, .elev = *elev, .label = *label, .tzId = *tz},
-                          .confirmed =
-                              confirmed != record.end() && confirmed->is_boolean() && confirmed->get<bool>()};
-}
 
 std::string labelOr(const Site& site, const char* unnamed) {
     return site.label.empty() ? unnamed : site.label;
@@ -115,6 +81,16 @@ void SiteDesk::choose(const std::string& eclipseId, Site site) {
         return;
     useEclipse(eclipseId);
     setSite(std::move(site));
+}
+
+void SiteDesk::take(const std::string& eclipseId, SiteRecord record) {
+    if (!eclipse::Catalog::has(eclipseId))
+        return;
+    rememberSite();
+    useEclipse(eclipseId);
+    ports_.settings.setText(settingsKeys::selectedEclipse, eclipseId);
+    locationConfirmed_.set(record.confirmed);
+    setSite(std::move(record.site));
 }
 
 void SiteDesk::useEclipse(const std::string& id) {
@@ -195,9 +171,7 @@ void SiteDesk::recompute() {
 }
 
 void SiteDesk::rememberSite() {
-    const nlohmann::json record{{"lat", site_->lat},   {"lon", site_->lon},
-                                {"elev", site_->elev}, {"label", site_->label},
-                                {"tz", site_->tzId},   {"confirmed", locationConfirmed_.get()}};
+    const auto record = toJson(SiteRecord{.site = site(), .confirmed = locationConfirmed_.get()});
     ports_.settings.setText(settingsKeys::sitePrefix + eclipseId(),
                             record.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
     ports_.settings.setFlag(settingsKeys::locationConfirmedPrefix + eclipseId(), locationConfirmed_.get());
@@ -207,7 +181,7 @@ bool SiteDesk::restoreSite() {
     const auto text = ports_.settings.text(settingsKeys::sitePrefix + eclipseId());
     if (!text)
         return false;
-    const auto remembered = rememberedSiteFromJson(*text);
+    const auto remembered = siteRecordFrom(nlohmann::json::parse(*text, nullptr, false));
     if (!remembered) {
         log_.pushLog(
             "⚠️ The site remembered for this eclipse could not be read. Set your site in Location.");

@@ -7,6 +7,7 @@
 #include "eclipse/SkyCurve.h"
 #include "ports/Ports.h"
 #include "rig/RigLog.h"
+#include "rig/SiteRecord.h"
 #include "script/ZenkaScript.h"
 
 #include <absl/time/time.h>
@@ -18,17 +19,6 @@
 #include <vector>
 
 namespace zenka::rig {
-
-/// The site where one stands for one eclipse.
-struct Site {
-    double lat = 41.65; ///< degrees, north positive
-    double lon = -0.88; ///< degrees, east positive
-    double elev = 200;  ///< metres
-    std::string label = "Zaragoza, ES";
-    std::string tzId = "Europe/Madrid"; ///< time-zone identifier
-
-    friend bool operator==(const Site&, const Site&) = default;
-};
 
 /// What scripts are compiled for here. A value, so that any thread may work with it.
 struct CompileSite {
@@ -92,6 +82,8 @@ public:
 
     /// Takes an eclipse of the catalogue together with a site; recompute() follows up.
     void choose(const std::string& eclipseId, Site site);
+    /// The same for the user, who finds the eclipse selected at the next start.
+    void take(const std::string& eclipseId, SiteRecord record);
 
     /// Changes the eclipse: with the site remembered for it, or the one that stands if it sees the
     /// eclipse, or the point of greatest duration. An unknown id changes nothing.

@@ -4,9 +4,9 @@
 
 namespace zenka::rig {
 
-namespace {
-
 using Json = nlohmann::json;
+
+namespace {
 
 std::vector<SavedSite> seeds() {
     const auto site = [](const char* name, double lat, double lon, double elev, const char* tz) {
@@ -20,15 +20,30 @@ std::vector<SavedSite> seeds() {
 
 } // namespace
 
+Json toJson(const SavedSite& site) {
+    return {{"id", site.id},   {"name", site.name}, {"lat", site.lat},
+            {"lon", site.lon}, {"elev", site.elev}, {"tz", site.tz}};
+}
+
+std::optional<SavedSite> savedSiteFrom(const Json& json) {
+    const auto has = [&](const char* key, bool (Json::*isType)() const noexcept) {
+        return json.is_object() && json.contains(key) && (json[key].*isType)();
+    };
+    if (!has("id", &Json::is_string) || !has("name", &Json::is_string) || !has("tz", &Json::is_string) ||
+        !has("lat", &Json::is_number) || !has("lon", &Json::is_number) || !has("elev", &Json::is_number))
+        return std::nullopt;
+    return SavedSite{.id = json["id"].get<std::string>(),
+                     .name = json["name"].get<std::string>(),
+                     .lat = json["lat"].get<double>(),
+                     .lon = json["lon"].get<double>(),
+                     .elev = json["elev"].get<double>(),
+                     .tz = json["tz"].get<std::string>()};
+}
+
 std::string toJson(const std::vector<SavedSite>& sites) {
     Json list = Json::array();
     for (const SavedSite& site : sites)
-        list.push_back({{"id", site.id},
-                        {"name", site.name},
-                        {"lat", site.lat},
-                        {"lon", site.lon},
-                        {"elev", site.elev},
-                        {"tz", site.tz}});
+        list.push_back(toJson(site));
     return list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
@@ -38,18 +53,10 @@ std::optional<std::vector<SavedSite>> savedSitesFromJson(std::string_view json) 
         return std::nullopt;
     std::vector<SavedSite> sites;
     for (const Json& item : list) {
-        const auto has = [&](const char* key, bool (Json::*isType)() const noexcept) {
-            return item.is_object() && item.contains(key) && (item[key].*isType)();
-        };
-        if (!has("id", &Json::is_string) || !has("name", &Json::is_string) || !has("tz", &Json::is_string) ||
-            !has("lat", &Json::is_number) || !has("lon", &Json::is_number) || !has("elev", &Json::is_number))
+        auto site = savedSiteFrom(item);
+        if (!site)
             return std::nullopt;
-        sites.push_back({.id = item["id"].get<std::string>(),
-                         .name = item["name"].get<std::string>(),
-                         .lat = item["lat"].get<double>(),
-                         .lon = item["lon"].get<double>(),
-                         .elev = item["elev"].get<double>(),
-                         .tz = item["tz"].get<std::string>()});
+        sites.push_back(*std::move(site));
     }
     return sites;
 }

@@ -4,6 +4,8 @@
 #include "ports/KeptFile.h"
 #include "ports/Ports.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -23,6 +25,10 @@ struct SavedSite {
 
     friend bool operator==(const SavedSite&, const SavedSite&) = default;
 };
+
+nlohmann::json toJson(const SavedSite& site);
+/// Nothing for what is no saved site.
+std::optional<SavedSite> savedSiteFrom(const nlohmann::json& json);
 
 std::string toJson(const std::vector<SavedSite>& sites);
 /// Nothing for a text that is no such list.

@@ -22,6 +22,11 @@ public:
         return found == contents.end() ? std::nullopt : std::optional(found->second);
     }
 
+    std::optional<std::string> readBeginning(const std::filesystem::path& path, std::size_t most) override {
+        const auto whole = read(path);
+        return whole ? std::optional(whole->substr(0, most)) : std::nullopt;
+    }
+
     bool writeAtomically(const std::filesystem::path& path, std::string_view bytes) override {
         if (broken)
             return false;
