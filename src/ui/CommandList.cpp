@@ -3,9 +3,11 @@
 #include "rig/RigModel.h"
 #include "ui/AnalyzerView.h"
 #include "ui/AppView.h"
+#include "ui/ChecklistPrinter.h"
 #include "ui/Commands.h"
 #include "ui/EditTarget.h"
 #include "ui/PreflightView.h"
+#include "ui/RigTransferView.h"
 #include "ui/Theme.h"
 
 #include <QQuickItem>
@@ -28,6 +30,11 @@ public:
 
     Menu& add(const char* id, const char* text, const char* shortcut, Action run, Condition enabled = {}) {
         commands_.add(command(id, text, shortcut, std::move(run), std::move(enabled)));
+        return *this;
+    }
+    /// What the last one added says of itself while it is not enabled.
+    Menu& whyOff(const char* words) {
+        commands_.explainLast(QString::fromUtf8(words));
         return *this;
     }
     /// One that a focused text field answers to by itself.
@@ -86,8 +93,8 @@ void addEdit(Commands& commands, EditTarget& edit) {
 } // namespace
 
 void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme& theme, EditTarget& edit,
-                     AnalyzerView& analyzer, PreflightView& preflight,
-                     const std::function<QQuickWindow*()>& window,
+                     AnalyzerView& analyzer, PreflightView& preflight, RigTransferView& transfer,
+                     ChecklistPrinter& checklist, const std::function<QQuickWindow*()>& window,
                      const std::function<void(const QUrl&)>& open, const QString& runLogs) {
     const auto sheet = [&app](const char* name) {
         return [&app, name] { app.openSheet(QString::fromLatin1(name)); };
@@ -122,7 +129,12 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("saveScriptCmd", "Save Script…", "Ctrl+S", script("save"))
         .add("script", "Script…", "Ctrl+E", sheet("Script"))
         .add("validate", "Validate Script", "F7", script("validate"))
-        .add("location", "Location…", "Ctrl+L", sheet("Location"), simulated);
+        .add("location", "Location…", "Ctrl+L", sheet("Location"), simulated)
+        .add("exportRig", "Export Rig…", "", [&transfer] { transfer.beginExport(); })
+        .add(
+            "importRig", "Import Rig…", "", [&transfer] { transfer.beginImport(); }, simulated)
+        .whyOff(" (not in a live run)")
+        .add("printChecklist", "Print Checklist…", "", [&checklist] { checklist.print(); });
 
     addEdit(commands, edit);
 

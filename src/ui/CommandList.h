@@ -14,16 +14,18 @@ namespace zenka::ui {
 
 class AnalyzerView;
 class AppView;
+class ChecklistPrinter;
 class Commands;
 class EditTarget;
 class PreflightView;
+class RigTransferView;
 class Theme;
 
 /// Declares every command and shortcut of the program, in the order of the menus. The window is there when
 /// the first command is triggered; `open` opens what is outside of it.
 void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme& theme, EditTarget& edit,
-                     AnalyzerView& analyzer, PreflightView& preflight,
-                     const std::function<QQuickWindow*()>& window,
+                     AnalyzerView& analyzer, PreflightView& preflight, RigTransferView& transfer,
+                     ChecklistPrinter& checklist, const std::function<QQuickWindow*()>& window,
                      const std::function<void(const QUrl&)>& open, const QString& runLogs);
 
 } // namespace zenka::ui

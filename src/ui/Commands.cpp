@@ -40,6 +40,7 @@ QVariantList Commands::inMenu(const QString& menu) const {
             rows.append(QVariantMap{{QStringLiteral("id"), command.id},
                                     {QStringLiteral("text"), command.text},
                                     {QStringLiteral("shortcut"), command.shortcut},
+                                    {QStringLiteral("whyOff"), command.whyOff},
                                     {QStringLiteral("enabled"), isOn(command)}});
     }
     return rows;

@@ -17,6 +17,7 @@ struct Command {
     QString shortcut; ///< as QKeySequence reads it, empty for none
     std::function<void()> run;
     std::function<bool()> enabled; ///< empty: always
+    QString whyOff;                ///< stands behind the text while it is not enabled
     bool standard = false;         ///< the focused text field has it already
 };
 
@@ -31,6 +32,8 @@ public:
     explicit Commands(QObject* parent) : QAbstractListModel(parent) {}
 
     void add(Command command);
+    /// Why the last one added is not enabled when it is not.
+    void explainLast(const QString& whyOff) { commands_.back().whyOff = whyOff; }
     const std::vector<Command>& all() const { return commands_; }
 
     Q_INVOKABLE void trigger(const QString& id);

@@ -12,6 +12,7 @@
 #include "ui/CadenceAlertView.h"
 #include "ui/CameraProfilerView.h"
 #include "ui/CamerasView.h"
+#include "ui/ChecklistPrinter.h"
 #include "ui/ChipsView.h"
 #include "ui/ClockView.h"
 #include "ui/CommandList.h"
@@ -37,6 +38,7 @@
 #include "ui/PreflightView.h"
 #include "ui/ProfilePostView.h"
 #include "ui/QrItem.h"
+#include "ui/RigTransferView.h"
 #include "ui/ScriptView.h"
 #include "ui/ServiceView.h"
 #include "ui/SkyItem.h"
@@ -80,9 +82,11 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     const auto open = [this](const QUrl& address) { openUrl_(address); };
     auto* analyzer = new AnalyzerView(rig, *app_, open, this);
     auto* preflight = new PreflightView(rig, *app_, this);
+    auto* transfer = new RigTransferView(rig, ports, *app_, this);
+    checklist_ = std::make_unique<ChecklistPrinter>(rig, ports, version.toStdString(), open);
     declareCommands(
-        *commands_, rig, *app_, *theme_, *edit_, *analyzer, *preflight, [this] { return quickWindow(); },
-        open, QString::fromStdString(ports.folders.runLogs().string()));
+        *commands_, rig, *app_, *theme_, *edit_, *analyzer, *preflight, *transfer, *checklist_,
+        [this] { return quickWindow(); }, open, QString::fromStdString(ports.folders.runLogs().string()));
     new NightSwitch(rig, *theme_, this);
     new NightPointer(*theme_, this);
 
@@ -140,6 +144,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     context.setContextProperty(QStringLiteral("library"), new LibraryView(rig, this));
     context.setContextProperty(QStringLiteral("compensation"), new CompensationView(rig, this));
     context.setContextProperty(QStringLiteral("compRules"), new CompRulesView(rig, this));
+    context.setContextProperty(QStringLiteral("transfer"), transfer);
     context.setContextProperty(QStringLiteral("updates"), new UpdatesView(ports, version, this));
     app_->setFeedbackGoesOut([&services] { return !services.host()->empty(); });
     context.setContextProperty(QStringLiteral("service"), new ServiceView(services, rig, *app_, this));

@@ -3,6 +3,7 @@
 #include <QObject>
 
 #include <functional>
+#include <memory>
 #include <utility>
 
 class QQmlApplicationEngine;
@@ -25,6 +26,7 @@ class ServiceDesk;
 namespace zenka::ui {
 
 class AppView;
+class ChecklistPrinter;
 class Commands;
 class EditTarget;
 class ScriptView;
@@ -63,6 +65,7 @@ private:
     std::function<void(const QUrl&)> openUrl_;
     AppView* app_ = nullptr;
     Commands* commands_ = nullptr;
+    std::unique_ptr<ChecklistPrinter> checklist_;
     EditTarget* edit_ = nullptr;
     Theme* theme_ = nullptr;
     ScriptView* script_ = nullptr;

@@ -14,6 +14,7 @@ Popup {
     property string takeText: asking ? "Replace" : saving ? "Save" : "Open"
     property var nameFilters: []
     property string suffix
+    property string suggested // a name to begin with
     property url currentFolder
     property url selectedFile
     property url replacing // a file that is there already, which the user has been asked about
@@ -61,7 +62,7 @@ Popup {
     onAboutToShow: {
         files.folder = currentFolder
         list.currentIndex = 0
-        nameField.text = ""
+        nameField.text = saving ? suggested : ""
         replacing = ""
         if (saving) nameField.forceActiveFocus(); else list.forceActiveFocus()
     }

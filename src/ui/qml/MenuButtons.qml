@@ -32,7 +32,7 @@ ZButton {
                     model: commands.inMenu(sub.modelData)
                     delegate: MenuLine {
                         required property var modelData
-                        text: modelData.text
+                        text: modelData.text + (enabled ? "" : modelData.whyOff)
                         hint: modelData.shortcut
                         enabled: sub.shown >= 0 && commands.isEnabled(modelData.id)
                         onTriggered: commands.trigger(modelData.id)

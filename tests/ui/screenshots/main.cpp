@@ -19,6 +19,8 @@
 
 #include <QGuiApplication>
 #include <QImage>
+#include <QQmlContext>
+#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QRegularExpression>
@@ -267,6 +269,57 @@ void shootPreflight(test::VirtualRig& rig, ui::Window& window, Album& album) {
             rig.run(60);
         }
     }
+}
+
+/// What is exported, and a rig that was read: whole, with damage, and no rig at all, in every theme and size.
+/// Beside the pictures lies the checklist of the rig.
+void shootRigTransfer(test::VirtualRig& rig, ui::Window& window, Album& album,
+                      const std::filesystem::path& folder) {
+    rig::RigContents carried = rig.model.transfer().gather();
+    carried.site->eclipseId = "2027-08-02";
+    carried.site->record.site = {
+        .lat = 25.7, .lon = 32.6, .elev = 80, .label = "Luxor, EG", .tzId = "Africa/Cairo"};
+    carried.script->name = "luxor-two-bodies.zenka";
+    carried.script->text = example();
+    carried.floors["Z9"] = {.floorSec = 0.35};
+    carried.rules["token:CAM1"] = {};
+    const std::string whole = rig::toJson(carried);
+    auto damaged = nlohmann::json::parse(whole);
+    damaged["savedSites"][0]["lat"] = 100;
+    damaged["horizons"] = "flat";
+    rig.files.contents["/home/field.zenka-rig"] = whole;
+    rig.files.contents["/home/damaged.zenka-rig"] = damaged.dump();
+    rig.files.contents["/home/picture.zenka-rig"] = "JFIF";
+    for (const auto& size : {QSize(1380, 860), QSize(960, 440)}) {
+        window.quickWindow()->resize(size);
+        for (const char* theme : {"Sunlight", "Dark", "Night"}) {
+            window.theme().choose(QString::fromLatin1(theme));
+            const auto shoot = [&](const char* page) {
+                album.shoot("RigTransfer-" + std::string(page) + "-" + theme + "-" +
+                            std::to_string(size.width()));
+            };
+            window.commands().trigger(QStringLiteral("exportRig"));
+            shoot("export");
+            window.app().closeSheet();
+            window.commands().trigger(QStringLiteral("importRig"));
+            shoot("choose");
+            auto* view = qvariant_cast<QObject*>(QQmlEngine::contextForObject(window.quickWindow())
+                                                     ->contextProperty(QStringLiteral("transfer")));
+            for (const char* file : {"field", "damaged", "picture"}) {
+                QMetaObject::invokeMethod(
+                    view, "read",
+                    Q_ARG(QUrl, QUrl::fromLocalFile(
+                                    QStringLiteral("/home/%1.zenka-rig").arg(QLatin1String(file)))));
+                rig.run(0.1);
+                shoot(file);
+            }
+            window.app().closeSheet();
+        }
+    }
+    window.setOpenUrl([](const QUrl&) {});
+    window.commands().trigger(QStringLiteral("printChecklist"));
+    rig.run(0.1);
+    std::ofstream(folder / "checklist.pdf", std::ios::binary) << rig.files.only(".pdf");
 }
 
 QQuickItem* itemNamed(QQuickItem* item, const char* name) {
@@ -587,6 +640,8 @@ int main(int argc, char** argv) {
         shootAssistant(rig, window, album);
     if (wanted("Consent"))
         shootConsent(rig, window, album);
+    if (wanted("RigTransfer"))
+        shootRigTransfer(rig, window, album, argv[1]);
     if (wanted("Preflight"))
         shootPreflight(rig, window, album);
     if (wanted("Service"))
