@@ -24,7 +24,8 @@ std::string tenths(base::Instant instant, const absl::TimeZone& zone) {
 }
 
 bool isTotalHere(const SiteDesk& site) {
-    return site.circ() && site.circ()->totalitySeconds > 0 && site.circ()->maxMagnitude >= 1;
+    const auto& circ = site.circ();
+    return circ && circ->totalitySeconds > 0 && circ->maxMagnitude >= 1;
 }
 
 std::vector<std::string> headLines(const ChecklistSources& rig) {

@@ -118,8 +118,8 @@ std::optional<double> tightest(const std::vector<const Capture*>& frames) {
 }
 
 std::string floorWords(const ChecklistSources& rig, const ListedBody& body) {
-    if (body.camera)
-        return rig.cadence.floorLabel(*body.camera);
+    if (body.camera) // one that is simulated may have no limit
+        return rig.cadence.bodyFloorSec(*body.camera) > 0 ? rig.cadence.floorLabel(*body.camera) : "";
     const auto floor = rig.floors.measuredFloor(body.model);
     return floor ? fmtSecs(*floor) + " measured" : std::string();
 }

@@ -110,7 +110,7 @@ void RigTransferView::show(const rig::RigTransfer::Found& found) {
 }
 
 QString RigTransferView::origin() const {
-    if (!found_)
+    if (!found_ || !found_->reading.contents)
         return {};
     const rig::RigContents& contents = *found_->reading.contents;
     QString words = QStringLiteral("\"%1\"").arg(qt(found_->name));
@@ -162,7 +162,8 @@ void RigTransferView::import() {
         if (taken_.contains(row.part))
             words.append(qt(row.what));
     }
-    const rig::RigTransfer::Found found = *std::exchange(found_, std::nullopt);
+    const rig::RigTransfer::Found found =
+        std::exchange(found_, std::nullopt).value_or(rig::RigTransfer::Found{});
     const std::set<rig::RigPart> taken = taken_;
     forget();
     if (rig_.transfer().apply(found, taken))

@@ -317,6 +317,9 @@ void shootRigTransfer(test::VirtualRig& rig, ui::Window& window, Album& album,
         }
     }
     window.setOpenUrl([](const QUrl&) {});
+    rig.load(example());
+    const rig::Site& site = rig.model.site().site();
+    rig.model.horizons().merge({{.lat = site.lat, .lon = site.lon, .result = {}}});
     window.commands().trigger(QStringLiteral("printChecklist"));
     rig.run(0.1);
     std::ofstream(folder / "checklist.pdf", std::ios::binary) << rig.files.only(".pdf");
