@@ -23,6 +23,11 @@ std::string tenths(base::Instant instant, const absl::TimeZone& zone) {
     return base::formatTime("%H:%M:%E1S", instant, zone);
 }
 
+/// With a minus as long as printers set it.
+std::string degrees(double angleDeg) {
+    return base::replacedAll(absl::StrFormat("%.1f°", angleDeg), "-", "−");
+}
+
 bool isTotalHere(const SiteDesk& site) {
     const auto& circ = site.circ();
     return circ && circ->totalitySeconds > 0 && circ->maxMagnitude >= 1;
@@ -53,13 +58,12 @@ base::PrintedSection contacts(const ChecklistSources& rig) {
     if (horizon)
         section.table.heads.emplace_back("over the terrain");
     for (const eclipse::ContactEvent& event : circ->events) {
-        std::vector<std::string> row{
-            event.key, tenths(event.utc, zone), tenths(event.utc, absl::UTCTimeZone()),
-            absl::StrFormat("%.1f°", event.sunAltDeg), absl::StrFormat("%.1f°", event.sunAzDeg)};
+        std::vector<std::string> row{event.key, tenths(event.utc, zone),
+                                     tenths(event.utc, absl::UTCTimeZone()), degrees(event.sunAltDeg),
+                                     degrees(event.sunAzDeg)};
         if (horizon)
-            row.push_back(absl::StrFormat(
-                "%+.1f°", event.sunAltDeg -
-                              eclipse::TerrainHorizon::elevationAt(horizon->result.samples, event.sunAzDeg)));
+            row.push_back(degrees(event.sunAltDeg - eclipse::TerrainHorizon::elevationAt(
+                                                        horizon->result.samples, event.sunAzDeg)));
         section.table.rows.push_back(std::move(row));
     }
     std::vector<std::string> facts;

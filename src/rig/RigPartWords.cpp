@@ -118,7 +118,7 @@ std::vector<RigPartWords> rigPartWords(const RigContents& rig, std::size_t frame
     if (!rig.bodies.empty() || !rig.framings.empty())
         parts.push_back({RigPart::bodies, bodiesWords(rig), bodiesEffect(rig, here)});
     if (!rig.rules.empty())
-        parts.push_back({RigPart::rules, absl::StrFormat("rules of %d", rig.rules.size()),
+        parts.push_back({RigPart::rules, "exposure rules of " + countedBodies(rig.rules.size()),
                          merged(rig.rules, here.rules)});
     if (!rig.floors.empty())
         parts.push_back({RigPart::floors, "measured floors of " + counted(rig.floors.size(), "model"),

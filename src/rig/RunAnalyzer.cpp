@@ -4,6 +4,7 @@
 #include "analysis/ReportHTML.h"
 #include "analysis/RunAnalysis.h"
 #include "base/CivilTime.h"
+#include "ports/FreshName.h"
 #include "rig/AnalyzerWords.h"
 #include "rig/RunLogLibrary.h"
 
@@ -19,16 +20,6 @@ namespace {
 using Step = AnalyzerState::Step;
 
 constexpr base::Seconds rowsInFlight{2}; // after the end of a run
-
-/// A name that no report has.
-std::filesystem::path freshReport(ports::Files& files, const std::filesystem::path& folder, base::Instant now,
-                                  const absl::TimeZone& zone) {
-    const std::string name = "Zenka Run Report " + base::formatTime("%Y-%m-%d %H%M", now, zone);
-    std::filesystem::path report = folder / (name + ".html");
-    for (int number = 2; files.exists(report); ++number)
-        report = folder / absl::StrFormat("%s %d.html", name, number);
-    return report;
-}
 
 } // namespace
 
@@ -105,8 +96,10 @@ struct RunAnalyzer::Job {
                                                .cardFrames = cardFrames});
         if (cancelled)
             return;
-        report = freshReport(ports.files, ports.folders.reports(), now, zone);
-        written = ports.files.writeAtomically(report, html);
+        report =
+            ports::freshName(ports.files, ports.folders.reports(),
+                             "Zenka Run Report " + base::formatTime("%Y-%m-%d %H%M", now, zone), ".html");
+        written = !report.empty() && ports.files.writeAtomically(report, html);
     }
 };
 
@@ -263,8 +256,8 @@ void RunAnalyzer::compare(std::size_t segment) {
 void RunAnalyzer::conclude() {
     const Job& job = *job_;
     if (!job.written)
-        log_.pushLog("⚠️ Analyzer: the report could not be written to " + job.report.string() +
-                     ". Is the disk full, or the folder not yours?");
+        log_.pushLog("⚠️ Analyzer: the report could not be written to " +
+                     ports_.folders.reports().string() + ". Is the disk full, or the folder not yours?");
     AnalyzerState verdict = AnalyzerWords::verdict(job.result, job.reader, job.logs, job.written);
     verdict.report = job.written ? job.report : std::filesystem::path();
     log_.pushLog(

@@ -1,30 +1,17 @@
 #include "ui/ChecklistPrinter.h"
 
 #include "painting/ChecklistPdf.h"
+#include "ports/FreshName.h"
 #include "rig/Checklist.h"
 #include "rig/RigModel.h"
 #include "ui/QtText.h"
 
 #include <QUrl>
-#include <absl/strings/str_format.h>
 
 #include <filesystem>
 #include <utility>
 
 namespace zenka::ui {
-
-namespace {
-
-/// A name that no list has.
-std::filesystem::path freshList(ports::Files& files, const std::filesystem::path& folder,
-                                const std::string& name) {
-    std::filesystem::path file = folder / (name + ".pdf");
-    for (int number = 2; files.exists(file); ++number)
-        file = folder / absl::StrFormat("%s %d.pdf", name, number);
-    return file;
-}
-
-} // namespace
 
 ChecklistPrinter::ChecklistPrinter(rig::RigModel& rig, const ports::Ports& ports, std::string appVersion,
                                    std::function<void(const QUrl&)> open)
@@ -46,7 +33,8 @@ void ChecklistPrinter::print() {
                                 .now = ports_.clock.now()});
     const auto written = lifeline_.guard([this](const std::filesystem::path& file, bool ok) {
         if (!ok) {
-            rig_.log().pushLog("⚠️ The checklist could not be written to " + file.string() +
+            rig_.log().pushLog("⚠️ The checklist could not be written to " +
+                               ports_.folders.reports().string() +
                                ". See that the folder is not full and that you may write there.");
             return;
         }
@@ -57,10 +45,10 @@ void ChecklistPrinter::print() {
     queue_->post([written, list = std::move(list), folder = ports_.folders.reports(),
                   name = rig::checklistName(rig_.site().eclipseId(), rig_.site().site().label),
                   &files = ports_.files, &loop = ports_.loop] {
-        const auto file = freshList(files, folder, name);
+        const auto file = ports::freshName(files, folder, name, ".pdf");
         const QByteArray bytes = painting::checklistPdf(list);
-        const bool ok = files.writeAtomically(
-            file, std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+        const std::string_view whole(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+        const bool ok = !file.empty() && files.writeAtomically(file, whole);
         loop.post([written, file, ok] { written(file, ok); });
     });
 }

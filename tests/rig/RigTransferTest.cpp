@@ -85,7 +85,7 @@ TEST_F(RigTransferTest, aRigThatWasCarriedIsTheSameRig) {
     EXPECT_EQ(
         rig::RigTransfer::summary(*found.reading.contents, found.frames),
         "1 site in use, 4 saved sites, script “two.zenka” with 2 frames, 1 body and framings of 1 name, "
-        "rules of 2, measured floors of 1 model, horizons of 1 place");
+        "exposure rules of 2 bodies, measured floors of 1 model, horizons of 1 place");
     EXPECT_NE(withoutInstant(exported(field)), withoutInstant(text)) << "nothing is taken unasked";
     ASSERT_TRUE(field.model.transfer().apply(found, everything));
     field.run(1);

@@ -6,6 +6,8 @@
 #include <absl/strings/str_format.h>
 #include <gmock/gmock.h>
 
+#include <limits>
+
 using namespace zenka;
 using Step = rig::AnalyzerState::Step;
 using testing::ElementsAre;
@@ -117,7 +119,8 @@ TEST_F(RunAnalyzerTest, oneCardOfOneCameraWithOneRunGoesStraightToTheVerdict) {
     analyzer.sendReport("second");
     EXPECT_THAT(notes, ElementsAre("second"));
 
-    rig.files.broken = true;
+    rig.disk.failFrom = 1; // it answers nothing any more, not even whether a name is free
+    rig.disk.failures = std::numeric_limits<int>::max();
     analyzer.analyzeFolder(root.path() / "EOS_DIGITAL");
     rig.run(1);
     EXPECT_EQ(state().title, "✓ Simulation Analyzer: PASS");

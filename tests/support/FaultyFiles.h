@@ -31,6 +31,9 @@ public:
     std::optional<std::string> read(const std::filesystem::path& path) override {
         return fails("read", path) ? std::nullopt : disk_.read(path);
     }
+    std::optional<std::string> readBeginning(const std::filesystem::path& path, std::size_t most) override {
+        return fails("readBeginning", path) ? std::nullopt : disk_.readBeginning(path, most);
+    }
     bool writeAtomically(const std::filesystem::path& path, std::string_view bytes) override {
         return !fails("writeAtomically", path) && disk_.writeAtomically(path, bytes);
     }
@@ -79,7 +82,7 @@ private:
     }
     bool fails(const char* what, const std::filesystem::path& path) {
         ++operations;
-        if (failFrom == 0 || operations < failFrom || operations >= failFrom + failures)
+        if (failFrom == 0 || operations < failFrom || operations - failFrom >= failures)
             return false;
         faults.push_back({what, path.filename().string(), disk_.exists(path)});
         return true;

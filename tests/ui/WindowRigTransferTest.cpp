@@ -4,6 +4,7 @@
 #include "ui/Commands.h"
 #include "ui/RigTransferView.h"
 
+#include <QProcess>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <gtest/gtest.h>
@@ -33,6 +34,16 @@ struct WindowRigTransfer : testing::Test {
         window.settle();
     }
     bool canImport() { return window->commands().isEnabled(QStringLiteral("importRig")); }
+
+    /// The words of a PDF as another program reads them.
+    static std::string textOf(const std::string& pdf) {
+        QProcess reader;
+        reader.start(QStringLiteral("pdftotext"), {QStringLiteral("-"), QStringLiteral("-")});
+        reader.write(pdf.data(), static_cast<qint64>(pdf.size()));
+        reader.closeWriteChannel();
+        EXPECT_TRUE(reader.waitForFinished());
+        return reader.readAllStandardOutput().toStdString();
+    }
 
     QList<QUrl> opened;
 };
@@ -90,7 +101,10 @@ TEST_F(WindowRigTransfer, theChecklistIsWrittenForTheUserAndOpenedAndNeverOverAn
     ASSERT_EQ(opened.size(), 2);
     EXPECT_TRUE(opened[0].path().endsWith(
         QStringLiteral("Zenka Reports/Zenka Checklist 2026-08-12 Zaragoza, ES.pdf")));
-    EXPECT_TRUE(rig.files.contents[opened[0].toLocalFile().toStdString()].starts_with("%PDF-"));
+    const std::string sheet = textOf(rig.files.contents[opened[0].toLocalFile().toStdString()]);
+    const auto* c2 = rig.model.site().circ()->event("C2");
+    ASSERT_NE(c2, nullptr);
+    EXPECT_NE(sheet.find(rig.model.site().fmtClock(c2->tHours * 3600)), std::string::npos) << sheet;
     rig.files.broken = true;
     window->commands().trigger(QStringLiteral("printChecklist"));
     pass();
