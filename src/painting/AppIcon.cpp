@@ -39,8 +39,9 @@ Look lookAt(int size) {
 constexpr double diamondAngle = 0.23 * std::numbers::pi;
 
 /// Below this much icons are drawn too large and made smaller, so that thin parts keep their
-/// light.
+/// light; but no more than so many times, for the window's icons are drawn at each start.
 constexpr int leastDrawn = 256;
+constexpr int mostFactor = 4;
 
 void paintSky(QPainter& painter, const QRectF& square, double corner) {
     QRadialGradient sky(square.center(), square.width() * 0.74);
@@ -146,7 +147,7 @@ void paintDiamond(QPainter& painter, QPointF at, double radius, bool rays) {
 
 QImage appIcon(int size) {
     size = std::max(size, 1);
-    const int factor = std::max(1, (leastDrawn + size - 1) / size);
+    const int factor = std::clamp((leastDrawn + size - 1) / size, 1, mostFactor);
     const double drawn = size * factor;
     QImage picture(size * factor, size * factor, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
@@ -179,7 +180,7 @@ QImage appIcon(int size) {
 
 QIcon windowIcon() {
     QIcon icon;
-    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+    for (const int size : {16, 32, 48, 128}) // each costs the start some milliseconds
         icon.addPixmap(QPixmap::fromImage(appIcon(size)));
     return icon;
 }
