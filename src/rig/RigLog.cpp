@@ -5,14 +5,17 @@
 namespace zenka::rig {
 
 void RigLog::pushLog(std::string line) {
-    if (!loop_.onMainThread()) {
-        loop_.post(lifeline_.guard([this, line = std::move(line)] { pushLog(line); }));
-        return;
-    }
+    if (!loop_.onMainThread())
+        return teller()(std::move(line));
     lines_.push_front(line);
     if (lines_.size() > maxLines)
         lines_.pop_back();
     lineAdded_.emit(line);
+}
+
+std::function<void(std::string)> RigLog::teller() {
+    return [&loop = loop_, arrive = lifeline_.guard([this](std::string line) { pushLog(std::move(line)); })](
+               std::string line) { loop.post([arrive, line = std::move(line)] { arrive(line); }); };
 }
 
 } // namespace zenka::rig

@@ -6,6 +6,7 @@
 #include <sigc++/sigc++.h>
 
 #include <deque>
+#include <functional>
 #include <string>
 
 namespace zenka::rig {
@@ -19,6 +20,9 @@ public:
 
     /// Adds a line. Any thread; from another than the main one the line comes a moment later.
     void pushLog(std::string line);
+
+    /// A function for a thread that may outlive the log: what it is told is logged while there is one.
+    std::function<void(std::string)> teller();
 
     /// Newest first, at most 200.
     const std::deque<std::string>& lines() const { return lines_; }

@@ -55,11 +55,7 @@ void RunLogbook::beginRunLog(const std::string& kind) {
 
     RunLogMeta meta = makeRunMeta(kind);
     const std::string baseName = freshBaseName(meta);
-    const auto arrive = lifeline_.guard([this](const std::string& line) { log_.pushLog(line); });
-    runLog_ = std::make_shared<RunLog>(ports_, queue_, std::move(meta), baseName,
-                                       [arrive, &loop = ports_.loop](const std::string& line) {
-                                           loop.post([arrive, line] { arrive(line); });
-                                       });
+    runLog_ = std::make_shared<RunLog>(ports_, queue_, std::move(meta), baseName, log_.teller());
     lastCsvPath_ = runLog_->csvPath();
     log_.pushLog("📝 Run log → " + baseName + ".csv");
 }

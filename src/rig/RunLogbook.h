@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/Lifeline.h"
 #include "base/Published.h"
 #include "base/Uuid.h"
 #include "ports/Ports.h"
@@ -117,7 +116,6 @@ private:
     sigc::signal<void(const std::vector<BodyTally>&)> completed_;
     sigc::signal<void(const std::string&)> runTold_;
     std::function<std::map<std::string, std::string>()> moreFacts_;
-    base::Lifeline lifeline_;
 };
 
 } // namespace zenka::rig

@@ -74,11 +74,7 @@ struct ShellCues::Running : std::enable_shared_from_this<Running> {
 };
 
 ShellCues::ShellCues(const ports::Ports& ports, RigLog& log)
-    : queues_(ports.queues),
-      running_(std::make_shared<Running>(
-          ports.children, [&loop = ports.loop, arrive = lifeline_.guard([&log](const std::string& line) {
-              log.pushLog(line);
-          })](std::string line) { loop.post([arrive, line = std::move(line)] { arrive(line); }); })) {
+    : queues_(ports.queues), running_(std::make_shared<Running>(ports.children, log.teller())) {
 }
 
 ShellCues::~ShellCues() {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/Lifeline.h"
 #include "ports/Ports.h"
 #include "rig/RigLog.h"
 
@@ -30,7 +29,6 @@ private:
     struct Running; // lives on the queue
     ports::WorkQueues& queues_;
     std::shared_ptr<ports::WorkQueue> queue_;
-    base::Lifeline lifeline_;
     std::shared_ptr<Running> running_;
 };
 
