@@ -61,7 +61,22 @@ struct SixFailingBodies {
     bool faults = false;
     double busyShare = 0.02; ///< of the frames that a body refuses
     double battery = 84;     ///< of the Lumix bodies, percent; without any they are gone
-    std::map<std::string, std::vector<double>> triggers; ///< "Nikon", "Fuji": continuous seconds of each
+    /// A body that is fired by gphoto2.
+    struct Fired {
+        double floor = 0.002; ///< seconds for which a frame keeps it from another one
+        double readyAt = 0;   ///< continuous seconds
+        int frames = 0;
+        int tooEarly = 0; ///< triggers that came before it was ready
+
+        void trigger(double now, bool takes) {
+            tooEarly += now < readyAt - 1e-9;
+            frames += takes;
+            if (takes)
+                readyAt = now + floor;
+        }
+    };
+    Fired nikon;
+    Fired fuji{.floor = 0.05};
 
     std::unique_ptr<VirtualRig> rig =
         std::make_unique<VirtualRig>([this](platform::VirtualPorts& machine) { return familiesOn(machine); });
@@ -131,31 +146,34 @@ struct SixFailingBodies {
                     table += absl::StrFormat("%-30s usb:001,%03d\n", device.product, device.address);
             return {.out = table};
         }
-        if (std::ranges::find(arguments, "--trigger-capture") != arguments.end())
-            triggers["Fuji"].push_back(rig->machine.time.continuousSeconds());
-        if (chance(busyShare))
+        const bool trigger = std::ranges::find(arguments, "--trigger-capture") != arguments.end();
+        const bool busy = chance(busyShare);
+        const bool hangs = !busy && chance(0.005);
+        if (trigger)
+            fuji.trigger(rig->machine.time.continuousSeconds(), !busy && !hangs);
+        if (busy)
             return {.code = 1, .err = "*** Error ***\nPTP Device Busy\n"};
-        if (chance(0.005))
-            return {.seconds = 1e6};
-        return {};
+        return {.seconds = hangs ? 1e6 : trigger ? fuji.floor : 0.05};
     }
 
     ScriptedChildren::Answer shell(const std::string& command) {
-        if (command.starts_with("trigger-capture"))
-            triggers["Nikon"].push_back(rig->machine.time.continuousSeconds());
-        if (command.starts_with("trigger-capture") && chance(busyShare))
+        const bool trigger = command.starts_with("trigger-capture");
+        const bool busy = trigger && chance(busyShare);
+        const bool hangs = !busy && chance(0.002);
+        const bool dies = !busy && !hangs && chance(0.002);
+        if (trigger)
+            nikon.trigger(rig->machine.time.continuousSeconds(), !busy && !hangs && !dies);
+        if (busy)
             return {.text = "*** Error ***\nPTP Device Busy\n"};
-        if (chance(0.002))
-            return {.hangs = true};
-        if (chance(0.002))
-            return {.dies = true};
+        if (hangs || dies)
+            return {.hangs = hangs, .dies = dies};
         std::string text;
         if (command == "get-config expprogram")
             text = "Current: M\n";
         if (command.starts_with("get-config shutterspeed"))
             for (int i = 0; const char* choice : {"1/2000", "1/1000", "1/500", "1/250", "1/2", "1", "Bulb"})
                 text += absl::StrFormat("Choice: %d %s\n", i++, choice);
-        return {.text = text + "END\n"};
+        return {.text = text + "END\n", .seconds = trigger ? nikon.floor : 0.002};
     }
 
     ScriptedHelpers::Answer helper(bool fire) {
