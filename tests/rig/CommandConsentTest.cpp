@@ -101,5 +101,29 @@ TEST_F(CommandConsentTest, anEndOfTheProgramGivesNoLeave) {
     }));
 }
 
+TEST_F(CommandConsentTest, neitherTheScriptToBeginWithNorARunThatIsResumedGivesLeave) {
+    VirtualRig rig;
+    rig.files.contents["/home/got.zenka"] = lights;
+    rig.model.script().setDefaultScript("/home/got.zenka");
+    rig.model.bootstrap();
+    rig.run(1);
+    EXPECT_THAT(waiting(rig), testing::ElementsAre("lights off"));
+    const double maximum = rig.model.site().contactTHours().at("MAX") * 3600;
+    rig.machine.time.setWall(rig.model.site().wallAt(maximum - 120));
+    rig.model.transport().armRealEclipseTiming(false);
+    rig.run(60);
+
+    VirtualRig next; // the one before was killed
+    next.files.contents = rig.files.contents;
+    next.machine.time.setWall(rig.machine.time.now());
+    next.model.bootstrap();
+    next.model.keeper().resumeRun();
+    ASSERT_TRUE(next.model.transport().live());
+    next.run(120);
+    EXPECT_GT(next.model.transport().clock(), maximum);
+    EXPECT_FALSE(ran(next, "lights off"));
+    EXPECT_TRUE(next.logged("the command “Lights” was not run"));
+}
+
 } // namespace
 } // namespace zenka::test
