@@ -23,6 +23,7 @@
 #include <csignal>
 #include <fstream>
 #include <iterator>
+#include <unistd.h>
 
 using namespace zenka;
 using test::serveUntil;
@@ -109,15 +110,22 @@ struct RealGphoto2 : testing::Test {
         rig.recompute();
         rig.transport().armRealEclipseTiming(true);
     }
-    /// The gphoto2 processes that are held open.
+    static std::string read(const std::filesystem::path& path) {
+        std::ifstream file(path);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    /// The gphoto2 processes that are held open here; another test beside this one may have its own.
     static std::vector<pid_t> sessions() {
+        const std::string childOfOurs = " " + std::to_string(::getpid()) + " ";
         std::vector<pid_t> found;
         for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-            std::ifstream file(entry.path() / "cmdline");
-            const std::string words((std::istreambuf_iterator<char>(file)), {});
-            const std::string name = entry.path().filename();
-            if (words.find("gphoto2") != words.npos && words.find("--shell") != words.npos)
-                found.push_back(std::stoi(name));
+            const std::string words = read(entry.path() / "cmdline");
+            if (words.find("gphoto2") == words.npos || words.find("--shell") == words.npos)
+                continue;
+            const std::string state = read(entry.path() / "stat"); // "7 (name) S 5 ...", 5 the parent
+            const std::size_t name = state.rfind(')');
+            if (name != state.npos && state.compare(name + 3, childOfOurs.size(), childOfOurs) == 0)
+                found.push_back(std::stoi(entry.path().filename()));
         }
         return found;
     }
