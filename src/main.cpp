@@ -5,6 +5,7 @@
 #include "painting/AppIcon.h"
 #include "platform/LinuxFolders.h"
 #include "platform/LinuxPorts.h"
+#include "platform/OneInstance.h"
 #include "platform/QtSettings.h"
 #include "platform/QuitSignals.h"
 #include "rig/CanonFamily.h"
@@ -20,6 +21,7 @@
 #include "ui/Window.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 
 #include <csignal>
@@ -43,6 +45,16 @@ bool hasDisplay() {
     return false;
 }
 
+/// Two programs would take the bodies from each other.
+int passedOn(const zenka::platform::OneInstance& first, const QString& script) {
+    if (first.passOn(script.toUtf8())) {
+        std::fputs("zenka: it runs already, and its window comes to the front.\n", stderr);
+        return 0;
+    }
+    std::fputs("zenka: it runs already and does not answer. End it first.\n", stderr);
+    return 1;
+}
+
 int runWindow(int argc, char** argv) {
     using namespace zenka;
     QGuiApplication application(argc, argv);
@@ -51,12 +63,18 @@ int runWindow(int argc, char** argv) {
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Zenka"));
     QGuiApplication::setDesktopFileName(QStringLiteral("zenka"));
     QGuiApplication::setWindowIcon(painting::windowIcon());
+    platform::LinuxFolders folders;
+    // What a file manager passes on. A switch that lacks its values is none of that.
+    const QString script =
+        argc > 1 && argv[1][0] != '-' ? QFileInfo(QFile::decodeName(argv[1])).absoluteFilePath() : QString();
+    platform::OneInstance instance(folders.applicationSupport());
+    if (!instance.first())
+        return passedOn(instance, script);
     platform::ThreadWorkQueues settingsQueues;
     platform::QtSettings settings(settingsQueues);
     for (const char* key : rig::settingsKeys::deployment)
         settings.letEnvironmentRule(key);
     settings.letEnvironmentRule(services::updateAddressKey);
-    platform::LinuxFolders folders;
     // Work on the machine's queues may still use these when all else has gone.
     std::optional<cameras::CameraDaemons> daemons;
     std::optional<cameras::GPhoto2Program> gphoto2;
@@ -128,9 +146,9 @@ int runWindow(int argc, char** argv) {
         rig.log().pushLog("⚠️ " + *damage);
     if (!window.show())
         return 1;
-    // What a file manager passes on. A switch that lacks its values is none of that.
-    if (argc > 1 && argv[1][0] != '-')
-        window.openScript(QFile::decodeName(argv[1]));
+    if (!script.isEmpty())
+        window.openScript(script);
+    instance.listen([&window](const QByteArray& path) { window.startedAgain(QString::fromUtf8(path)); });
     const int status = QGuiApplication::exec();
     machine.usb.watch({});
     mainThread->close();

@@ -185,6 +185,23 @@ void Window::openScript(const QString& path) {
     script_->open(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
 }
 
+void Window::startedAgain(const QString& path) {
+    if (QQuickWindow* window = quickWindow()) {
+        if (window->visibility() == QWindow::Minimized)
+            window->showNormal();
+        window->requestActivate();
+        window->alert(0); // where no window may come to the front by itself
+    }
+    if (path.isEmpty())
+        return;
+    if (rig_.transport().live())
+        rig_.log().pushLog(
+            "⚠️ “" + QFileInfo(path).fileName().toStdString() +
+            "” was not opened: this is a live run. Open it in the script sheet if you mean it.");
+    else
+        openScript(path);
+}
+
 QStringList Window::sheets() {
     QStringList names;
     for (const QString& file : QDir(QStringLiteral(":/zenka")).entryList({QStringLiteral("*Sheet.qml")}))

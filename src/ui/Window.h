@@ -49,6 +49,10 @@ public:
     /// Opens a script from a file in its sheet.
     void openScript(const QString& path);
 
+    /// The user started the program once more, with a script or without one (empty): this window comes to the
+    /// front. In a live run the script is not opened, and the log says so.
+    void startedAgain(const QString& path);
+
     QQuickWindow* quickWindow() const;
     Commands& commands() { return *commands_; }
     AppView& app() { return *app_; }

@@ -52,6 +52,24 @@ TEST_F(Quit, theSystemsWishToEndIsMetInOrder) {
     }
 }
 
+TEST_F(Quit, aSecondStartGoesToTheFirstOneAndAKilledOneLeavesNoLock) {
+    const auto first = start();
+    ASSERT_TRUE(appears(support() / "zenka.socket")) << "the window never came up";
+    const auto begin = std::chrono::steady_clock::now();
+    const auto second = start();
+    EXPECT_EQ(second->wait(), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 20s) << "it did not stay";
+    first->kill();
+    fs::remove(support() / "zenka.socket");
+    const auto third = start();
+    EXPECT_TRUE(appears(support() / "zenka.socket")) << "nothing keeps it from starting";
+    ::kill(third->id(), SIGSTOP); // it hangs
+    EXPECT_EQ(start()->wait(), 1);
+    ::kill(third->id(), SIGCONT);
+    ::kill(third->id(), SIGTERM);
+    EXPECT_EQ(third->wait(), 0);
+}
+
 TEST_F(Quit, aSimulationLeftBehindByACrashIsOfferedAndACleanQuitEndsIt) {
     fs::create_directories(support());
     const auto state = support() / "run-state.json";

@@ -129,3 +129,20 @@ TEST_F(WindowScript, aFileThatTheProgramIsStartedWithIsOpened) {
     EXPECT_TRUE(window.says(QStringLiteral("\"none.zenka\" cannot be read.")));
     EXPECT_EQ(rig.model.script().captures().size(), 1U);
 }
+
+TEST_F(WindowScript, aSecondStartOpensItsScriptHereButNotInALiveRun) {
+    rig.files.contents["/home/got.zenka"] = rig.frameAt(5000);
+    window->startedAgain(QString());
+    EXPECT_EQ(sheet(), QString());
+    window->startedAgain(QStringLiteral("/home/got.zenka"));
+    rig.run(0.1);
+    EXPECT_EQ(sheet(), QStringLiteral("Script"));
+    EXPECT_EQ(rig.model.script().currentScriptName().get(), "got.zenka");
+    window->app().closeSheet();
+    rig.load(rig.frameAt(9000));
+    rig.model.transport().armRealEclipseTiming(true);
+    window->startedAgain(QStringLiteral("/home/got.zenka"));
+    rig.run(0.1);
+    EXPECT_EQ(sheet(), QString());
+    EXPECT_TRUE(rig.logged("“got.zenka” was not opened"));
+}
