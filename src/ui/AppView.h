@@ -24,7 +24,6 @@ class AppView : public QObject {
     Q_PROPERTY(QString keysHere READ keysHere NOTIFY sheetChanged)
     Q_PROPERTY(QString prompt READ prompt NOTIFY promptChanged)
     Q_PROPERTY(QString promptText READ promptText NOTIFY promptChanged)
-    Q_PROPERTY(QString eclipseDayName READ eclipseDayName NOTIFY promptChanged)
 
 public:
     AppView(rig::RigModel& rig, QString version, QObject* parent);

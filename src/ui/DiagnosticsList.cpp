@@ -46,11 +46,6 @@ void DiagnosticsList::take(const std::vector<script::ScriptDiag>& diagnostics, c
     Q_EMIT changed();
 }
 
-int DiagnosticsList::indexFrom(int row) const {
-    const auto found = std::ranges::lower_bound(rows_, row, {}, &Row::row);
-    return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
-}
-
 int DiagnosticsList::severityOf(int row) const {
     int severity = 0;
     for (const Row& each : std::ranges::equal_range(rows_, row, {}, &Row::row))

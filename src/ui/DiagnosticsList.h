@@ -45,8 +45,6 @@ public:
     int severityOf(int row) const;
     /// What there is to say about a row of the editor, one sentence a line.
     QString messageOf(int row) const;
-    /// The place in this list of the first diagnostic of a row of the editor or a later one; -1 for none.
-    Q_INVOKABLE int indexFrom(int row) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;

@@ -364,8 +364,4 @@ int ScriptView::rowAt(int position) const {
     return text() ? text()->findBlock(position).blockNumber() : 0;
 }
 
-QString ScriptView::messageAt(int position) const {
-    return diagnostics_.messageOf(rowAt(position));
-}
-
 } // namespace zenka::ui

@@ -26,7 +26,6 @@ class ScriptView : public QObject {
     Q_PROPERTY(QString name READ name NOTIFY fileChanged)
     Q_PROPERTY(QString fileWords READ fileWords NOTIFY fileChanged)
     Q_PROPERTY(bool edited READ edited NOTIFY fileChanged)
-    Q_PROPERTY(bool hasFile READ hasFile NOTIFY fileChanged)
     Q_PROPERTY(bool isDefault READ isDefault NOTIFY fileChanged)
     Q_PROPERTY(bool hasUnsaved READ hasUnsaved NOTIFY fileChanged)
     Q_PROPERTY(QUrl folder READ folder NOTIFY fileChanged)
@@ -107,7 +106,6 @@ public:
     Q_INVOKABLE int rowAt(int position) const;
     /// The editor's row of a line of the compiler's.
     Q_INVOKABLE int rowOfLine(int lineNo) const;
-    Q_INVOKABLE QString messageAt(int position) const;
 
     rig::RigModel& rig() const { return rig_; }
 

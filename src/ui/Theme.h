@@ -15,7 +15,6 @@ class Theme : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString name READ name NOTIFY changed)
     Q_PROPERTY(bool night READ night NOTIFY changed)
-    Q_PROPERTY(bool sunlight READ sunlight NOTIFY changed)
     Q_PROPERTY(QColor page READ page NOTIFY changed)
     Q_PROPERTY(QColor panel READ panel NOTIFY changed)
     Q_PROPERTY(QColor text READ text NOTIFY changed)
@@ -26,8 +25,6 @@ class Theme : public QObject {
     Q_PROPERTY(QColor warning READ warning NOTIFY changed)
     Q_PROPERTY(QColor bad READ bad NOTIFY changed)
     Q_PROPERTY(QColor sky READ sky NOTIFY changed)
-    Q_PROPERTY(QColor sunDisc READ sunDisc NOTIFY changed)
-    Q_PROPERTY(QColor moonDisc READ moonDisc NOTIFY changed)
     Q_PROPERTY(int small READ small NOTIFY changed)
     Q_PROPERTY(int normal READ normal NOTIFY changed)
     Q_PROPERTY(int large READ large NOTIFY changed)
@@ -48,7 +45,7 @@ public:
     Kind kind() const { return nightForNow_ ? Kind::night : kind_; }
     /// Takes a theme by hand, which also ends a Night that came by itself.
     Q_INVOKABLE void choose(const QString& name);
-    Q_INVOKABLE void cycle();
+    void cycle();
     /// Whether Night is to come by itself around totality.
     bool nightByItself() const { return nightByItself_; }
     void setNightByItself(bool wanted);

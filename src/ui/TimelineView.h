@@ -52,7 +52,7 @@ public:
     /// Zooms around the playhead, or around the middle while the playhead is out of sight.
     void zoom(double factor);
     /// Moves the range by a part of its span; positive is later.
-    Q_INVOKABLE void pan(double part);
+    void pan(double part);
 
     /// Moves the clock. Refused with a word, and false, in live timing.
     bool scrubTo(double clock);

@@ -164,7 +164,7 @@ TEST_F(ScriptView, diagnosticsStandOnTheirLinesAndRoundsOfALoopCountOnce) {
     EXPECT_EQ(list.severityOf(0), 0);
     EXPECT_EQ(view.summary(), "no frames, no cues, 1 error, 2 warnings");
     EXPECT_EQ(view.rowAt(view.positionOf(6)), 6);
-    EXPECT_EQ(view.messageAt(view.positionOf(6)), "✖ ENDFOR without FOR");
+    EXPECT_EQ(list.messageOf(6), "✖ ENDFOR without FOR");
 }
 
 TEST_F(ScriptView, framesFarFromTheEclipseAreTold) {

@@ -31,13 +31,11 @@ public:
 
     const std::string& id() const override { return body_.id; }
     const std::string& serial() const override { return body_.serial; }
-    void setSerial(std::string serial) { body_.serial = std::move(serial); }
     const std::string& model() const override { return body_.model; }
     std::string port() const override { return body_.port; }
     std::string backend() const override { return "gphoto2"; }
     bool connected() const override { return connected_; }
-    double minIntervalSec() const override { return minIntervalSec_; }
-    void setMinIntervalSec(double seconds) { minIntervalSec_ = seconds; }
+    double minIntervalSec() const override { return 1.0; }
     int shotCount() const override { return shotCount_; }
 
     void capture(const Shot& shot, CaptureDone done) override;
@@ -83,7 +81,6 @@ private:
     GPhoto2Program& program_;
     Body body_;
     bool connected_ = true;
-    double minIntervalSec_ = 1.0;
     int shotCount_ = 0;
     bool busy_ = false;
     std::shared_ptr<ports::WorkQueue> queue_;
