@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 
 #include <array>
+#include <cstdio>
 
 namespace zenka::platform {
 
@@ -10,9 +11,19 @@ namespace zenka::platform {
 /// none beside a window.
 class OffscreenText {
 public:
-    OffscreenText() : application_(count_, arguments_.data()) {}
+    OffscreenText() : before_(qInstallMessageHandler(print)), application_(count_, arguments_.data()) {}
+    OffscreenText(const OffscreenText&) = delete;
+    OffscreenText& operator=(const OffscreenText&) = delete;
+    ~OffscreenText() { qInstallMessageHandler(before_); }
 
 private:
+    /// Outside a session Qt tells where it would put files of one, of which there are none.
+    static void print(QtMsgType, const QMessageLogContext&, const QString& message) {
+        if (!message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+            std::fprintf(stderr, "%s\n", qPrintable(message));
+    }
+
+    QtMessageHandler before_;
     std::array<char, 6> name_{"zenka"};
     std::array<char, 10> option_{"-platform"};
     std::array<char, 10> value_{"offscreen"};

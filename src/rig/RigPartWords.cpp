@@ -11,7 +11,7 @@ namespace zenka::rig {
 
 namespace {
 
-/// "3 new, 1 in the place of yours", "all as you have them".
+/// "3 new, 1 in the place of yours", "nothing new".
 class Merge {
 public:
     void add(bool known, bool same) {
@@ -33,7 +33,7 @@ public:
             words.push_back(absl::StrFormat("%d new", fresh_));
         if (replaced_ > 0)
             words.push_back(absl::StrFormat("%d in the place of yours", replaced_));
-        return words.empty() ? "as you have it already" : base::joined(words);
+        return words.empty() ? "nothing new" : base::joined(words);
     }
 
 private:

@@ -7,6 +7,7 @@
 #include <QLocalSocket>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 #include <thread>
 
@@ -21,6 +22,12 @@ TEST(OneInstance, aLaterOneHandsItsWordsToTheFirstUntilThatIsGone) {
     ASSERT_TRUE(first->first());
     QList<QByteArray> heard;
     first->listen([&](const QByteArray& words) { heard.append(words); });
+    using std::filesystem::perms;
+    for (const char* name : {"zenka.socket", "zenka.lock"})
+        EXPECT_EQ(std::filesystem::status(folder / name).permissions() &
+                      (perms::group_all | perms::others_all),
+                  perms::none)
+            << name;
     const QByteArray path = "/home/ü/a\nb %41.zenka";
     bool passed = false;
     bool later = true;
