@@ -5,7 +5,6 @@
 #include "ui/Observe.h"
 
 #include <QClipboard>
-#include <QFile>
 #include <QGuiApplication>
 #include <QSysInfo>
 
@@ -100,22 +99,9 @@ void AppView::reportBug() {
     openSheet(feedbackGoesOut_() ? QStringLiteral("Feedback") : QStringLiteral("ReportBug"));
 }
 
-void AppView::openGuide(const QString& title, const QString& page) {
-    guidePage_ = title;
-    guideFile_ = page;
-    openPage(QStringLiteral("Guide"));
-}
-
 void AppView::openKeys(const QString& keysHere) {
     keysHere_ = keysHere;
     openPage(QStringLiteral("Keys"));
-}
-
-QString AppView::guideText() const {
-    QFile file(QStringLiteral(":/zenka/docs/") + guideFile_);
-    if (guideFile_.isEmpty() || !file.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(file.readAll());
 }
 
 QString AppView::bugFacts() const {

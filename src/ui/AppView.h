@@ -19,8 +19,6 @@ class AppView : public QObject {
     Q_PROPERTY(QString sheet READ sheet NOTIFY sheetChanged)
     Q_PROPERTY(QString version READ version CONSTANT)
     Q_PROPERTY(QString bugFacts READ bugFacts NOTIFY sheetChanged)
-    Q_PROPERTY(QString guidePage READ guidePage NOTIFY sheetChanged)
-    Q_PROPERTY(QString guideText READ guideText NOTIFY sheetChanged)
     Q_PROPERTY(QString keysHere READ keysHere NOTIFY sheetChanged)
     Q_PROPERTY(QString prompt READ prompt NOTIFY promptChanged)
     Q_PROPERTY(QString promptText READ promptText NOTIFY promptChanged)
@@ -47,8 +45,6 @@ public:
     /// Opens the message to the makers where it can be sent, else the facts to be copied.
     void reportBug();
     void setFeedbackGoesOut(std::function<bool()> goesOut) { feedbackGoesOut_ = std::move(goesOut); }
-    /// Opens a page of the documents that are built in.
-    void openGuide(const QString& title, const QString& page);
     /// Opens the list of keys, headed by those of the place that one is in.
     void openKeys(const QString& keysHere);
 
@@ -56,8 +52,6 @@ public:
     /// What helps to understand a fault: version, system, what is set, and the log.
     QString bugFacts() const;
     Q_INVOKABLE static void copy(const QString& text);
-    QString guidePage() const { return guidePage_; }
-    QString guideText() const;
     QString keysHere() const { return keysHere_; }
 
     /// "resume", "eclipseDay" or empty, with its words.
@@ -89,8 +83,6 @@ private:
     QString sheet_;
     QStringList sheetsBelow_; ///< those to go back to, the last one first
     QString keysHere_;
-    QString guidePage_;
-    QString guideFile_;
     bool typing_ = false;
     std::function<bool()> feedbackGoesOut_ = [] { return false; };
 };

@@ -6,6 +6,8 @@
 #include "ui/ChecklistPrinter.h"
 #include "ui/Commands.h"
 #include "ui/EditTarget.h"
+#include "ui/GuidePages.h"
+#include "ui/GuideView.h"
 #include "ui/PreflightView.h"
 #include "ui/RigTransferView.h"
 #include "ui/Theme.h"
@@ -94,13 +96,11 @@ void addEdit(Commands& commands, EditTarget& edit) {
 
 void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme& theme, EditTarget& edit,
                      AnalyzerView& analyzer, PreflightView& preflight, RigTransferView& transfer,
-                     ChecklistPrinter& checklist, const std::function<QQuickWindow*()>& window,
+                     ChecklistPrinter& checklist, GuideView& guide,
+                     const std::function<QQuickWindow*()>& window,
                      const std::function<void(const QUrl&)>& open, const QString& runLogs) {
     const auto sheet = [&app](const char* name) {
         return [&app, name] { app.openSheet(QString::fromLatin1(name)); };
-    };
-    const auto guide = [&app](const char* title, const char* page) {
-        return [&app, title, page] { app.openGuide(QString::fromLatin1(title), QString::fromLatin1(page)); };
     };
     // The script's commands work on its sheet, which they open.
     const auto script = [&app](const char* what) {
@@ -201,22 +201,12 @@ void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme
         .add("miniaturize", "Minimize", "Ctrl+M", [window] { window()->showMinimized(); })
         .add("zoom", "Zoom", "", [window] { toggleMaximized(*window()); });
 
-    Menu(commands, "Help")
-        .add("showWelcome", "Welcome / Getting Started", "", sheet("Welcome"))
-        .add("openGuide", "Zenka Guide", "", guide("Zenka Guide", "guide.md"))
-        .add("openScriptGuide", "Script Language Guide", "",
-             guide("Script Language Guide", "script-language.md"))
-        .add("openWizardGuide", "Script Wizard", "", guide("Script Wizard", "script-wizard.md"))
-        .add("openAssistantGuide", "Script Assistant", "", guide("Script Assistant", "script-assistant.md"))
-        .add("openCameras", "Cameras", "", guide("Cameras", "cameras.md"))
-        .add("openCameraTiming", "Camera Timing", "", guide("Camera Timing", "camera-timing.md"))
-        .add("openClockAndComputer", "Clock, Computer and Voice", "",
-             guide("Clock, Computer and Voice", "clock-and-computer.md"))
-        .add("openRunAnalysis", "What Reached the Card", "",
-             guide("What Reached the Card", "run-analysis.md"))
-        .add("openPrivacy", "What Zenka Sends", "", guide("What Zenka Sends", "privacy.md"))
-        .add("openFeatures", "Features & Roadmap", "", guide("Features & Roadmap", "roadmap.md"))
-        .add("showKeys", "Keys", "F1", [&app, window] { app.openKeys(keysOf(window()->activeFocusItem())); });
+    Menu help(commands, "Help");
+    help.add("showWelcome", "Welcome / Getting Started", "", sheet("Welcome"));
+    for (const GuidePage& page : guidePages())
+        help.add(page.command, page.title, "",
+                 [&guide, file = page.file] { guide.open(QString::fromLatin1(file)); });
+    help.add("showKeys", "Keys", "F1", [&app, window] { app.openKeys(keysOf(window()->activeFocusItem())); });
 }
 
 } // namespace zenka::ui

@@ -17,6 +17,7 @@ class AppView;
 class ChecklistPrinter;
 class Commands;
 class EditTarget;
+class GuideView;
 class PreflightView;
 class RigTransferView;
 class Theme;
@@ -25,7 +26,8 @@ class Theme;
 /// the first command is triggered; `open` opens what is outside of it.
 void declareCommands(Commands& commands, rig::RigModel& rig, AppView& app, Theme& theme, EditTarget& edit,
                      AnalyzerView& analyzer, PreflightView& preflight, RigTransferView& transfer,
-                     ChecklistPrinter& checklist, const std::function<QQuickWindow*()>& window,
+                     ChecklistPrinter& checklist, GuideView& guide,
+                     const std::function<QQuickWindow*()>& window,
                      const std::function<void(const QUrl&)>& open, const QString& runLogs);
 
 } // namespace zenka::ui

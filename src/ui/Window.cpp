@@ -27,6 +27,7 @@
 #include "ui/FramingView.h"
 #include "ui/GapProfilerView.h"
 #include "ui/GlanceView.h"
+#include "ui/GuideView.h"
 #include "ui/HealthView.h"
 #include "ui/HorizonItem.h"
 #include "ui/HorizonView.h"
@@ -84,8 +85,10 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     auto* preflight = new PreflightView(rig, *app_, this);
     auto* transfer = new RigTransferView(rig, ports, *app_, this);
     checklist_ = std::make_unique<ChecklistPrinter>(rig, ports, version.toStdString(), open);
+    auto* guide = new GuideView(rig, *app_, *theme_, open, this);
+    guide->givePicturesTo(*engine_);
     declareCommands(
-        *commands_, rig, *app_, *theme_, *edit_, *analyzer, *preflight, *transfer, *checklist_,
+        *commands_, rig, *app_, *theme_, *edit_, *analyzer, *preflight, *transfer, *checklist_, *guide,
         [this] { return quickWindow(); }, open, QString::fromStdString(ports.folders.runLogs().string()));
     new NightSwitch(rig, *theme_, this);
     new NightPointer(*theme_, this);
@@ -102,6 +105,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     QQmlContext& context = *engine_->rootContext();
     context.setContextProperty(QStringLiteral("theme"), theme_);
     context.setContextProperty(QStringLiteral("app"), app_);
+    context.setContextProperty(QStringLiteral("guide"), guide);
     context.setContextProperty(QStringLiteral("arming"), new ArmView(rig, *app_, this));
     context.setContextProperty(QStringLiteral("commands"), commands_);
     context.setContextProperty(QStringLiteral("clock"), new ClockView(rig, this));

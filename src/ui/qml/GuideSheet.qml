@@ -1,37 +1,73 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Layouts
 
+// A page to read. Links are for the pointer; by keyboard the menu Help has every page.
 SheetFrame {
     id: sheet
-    title: app.guidePage
+    title: guide.title
     grow: true
-    ScrollView {
-        id: scroller
+    readonly property string keysHere: "Up, down, page up, page down, home, end: read on. Escape: close the page."
+
+    ColumnLayout {
         anchors.fill: parent
-        anchors.margins: 2
-        clip: true
-        focus: true
-        TextArea {
-            id: page
-            focus: true
-            readOnly: true
-            textFormat: TextEdit.MarkdownText
-            text: app.guideText
-            wrapMode: TextEdit.Wrap
-            color: theme.text
-            font.pixelSize: theme.normal
-            selectionColor: theme.accent
-            selectedTextColor: theme.page
-            background: null
-            Accessible.name: app.guidePage
-            Keys.priority: Keys.BeforeItem
-            Keys.onPressed: (event) => sheet.scrollByKey(scroller.contentItem, event)
+        spacing: 8
+        ZButton {
+            objectName: "guideBack"
+            visible: guide.canGoBack
+            text: "‹ Back"
+            Accessible.name: "Back to the page before"
+            onClicked: {
+                guide.goBack()
+                page.forceActiveFocus()
+            }
+        }
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            color: "transparent"
+            border.width: page.activeFocus ? 2 : 1
+            border.color: page.activeFocus ? theme.accent : theme.line
+            ScrollView {
+                id: scroller
+                anchors.fill: parent
+                anchors.margins: 2
+                clip: true
+                focus: true
+                TextArea {
+                    id: page
+                    objectName: "guideText"
+                    focus: true
+                    readOnly: true
+                    textFormat: TextEdit.MarkdownText
+                    text: guide.text
+                    wrapMode: TextEdit.Wrap
+                    color: theme.text
+                    palette.link: theme.accent
+                    font.pixelSize: theme.normal
+                    selectionColor: theme.accent
+                    selectedTextColor: theme.page
+                    background: null
+                    Accessible.name: guide.title
+                    Keys.priority: Keys.BeforeItem
+                    Keys.onPressed: (event) => sheet.scrollByKey(scroller.contentItem, event)
+                    onLinkActivated: (link) => guide.follow(link)
+                    HoverHandler { cursorShape: page.hoveredLink !== "" ? Qt.PointingHandCursor : Qt.IBeamCursor }
+                }
+            }
         }
     }
-    Rectangle {
-        anchors.fill: parent
-        color: "transparent"
-        border.width: page.activeFocus ? 2 : 1
-        border.color: page.activeFocus ? theme.accent : theme.line
+    Binding { target: guide; property: "room"; value: Math.floor(scroller.availableWidth - page.leftPadding - page.rightPadding) }
+    Connections {
+        target: guide
+        function onTurned() { scroller.contentItem.contentY = 0 }
+        function onHeadingWanted(heading) {
+            // Paragraphs, and around them the cells of tables.
+            const paragraphs = page.getText(0, page.length).split(/[\u2029\ufdd0\ufdd1]/)
+            const number = paragraphs.indexOf(heading)
+            const at = paragraphs.slice(0, number).reduce((sum, paragraph) => sum + paragraph.length + 1, 0)
+            if (number >= 0)
+                sheet.scrollTo(scroller.contentItem, page.positionToRectangle(at).y)
+        }
     }
 }

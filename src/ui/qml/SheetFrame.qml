@@ -26,9 +26,12 @@ FocusScope {
         event.accepted = step !== undefined
         if (!event.accepted)
             return
+        scrollTo(flickable, flickable.contentY + step)
+    }
+    function scrollTo(flickable, y) {
         const first = flickable.originY
         const last = Math.max(first, first + flickable.contentHeight - flickable.height)
-        flickable.contentY = Math.max(first, Math.min(last, flickable.contentY + step))
+        flickable.contentY = Math.max(first, Math.min(last, y))
     }
 
     anchors.fill: parent
@@ -60,6 +63,7 @@ FocusScope {
             RowLayout {
                 Layout.fillWidth: true
                 Label {
+                    objectName: "sheetTitle"
                     text: frame.title
                     color: theme.text
                     font.pixelSize: theme.large

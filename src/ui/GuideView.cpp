@@ -1,0 +1,126 @@
+#include "ui/GuideView.h"
+
+#include "rig/RigModel.h"
+#include "ui/AppView.h"
+#include "ui/GuidePages.h"
+#include "ui/Observe.h"
+#include "ui/Theme.h"
+
+#include <QImage>
+#include <QImageReader>
+#include <QQmlEngine>
+#include <QQuickImageProvider>
+
+#include <utility>
+
+namespace zenka::ui {
+
+namespace {
+
+QString pathOf(const QString& picture) {
+    return QStringLiteral(":/zenka/docs/images/") + picture;
+}
+
+class GuidePictures final : public QQuickImageProvider {
+public:
+    explicit GuidePictures(const Theme& theme) : QQuickImageProvider(Image), theme_(theme) {}
+
+    /// "NAME@WIDTH@THEME", so that the engine keeps apart what it has in store.
+    QImage requestImage(const QString& id, QSize* size, const QSize& /*wanted*/) override {
+        QImage picture(pathOf(id.section(QLatin1Char('@'), 0, 0)));
+        const int width = id.section(QLatin1Char('@'), 1, 1).toInt();
+        if (width > 0 && width < picture.width())
+            picture = picture.scaledToWidth(width, Qt::SmoothTransformation);
+        if (theme_.night()) {
+            picture.convertTo(QImage::Format_RGB32);
+            for (int y = 0; y < picture.height(); ++y) {
+                auto* pixels = reinterpret_cast<QRgb*>(picture.scanLine(y));
+                for (int x = 0; x < picture.width(); ++x)
+                    pixels[x] = qRgb(qGray(pixels[x]) * 2 / 3, 0, 0);
+            }
+        }
+        if (size)
+            *size = picture.size();
+        return picture;
+    }
+
+private:
+    const Theme& theme_;
+};
+
+} // namespace
+
+GuideView::GuideView(rig::RigModel& rig, AppView& app, const Theme& theme,
+                     std::function<void(const QUrl&)> open, QObject* parent)
+    : QObject(parent), rig_(rig), app_(app), theme_(theme), open_(std::move(open)) {
+    connect(&theme, &Theme::changed, this, &GuideView::changed);
+}
+
+void GuideView::givePicturesTo(QQmlEngine& engine) const {
+    engine.addImageProvider(QStringLiteral("guide"), new GuidePictures(theme_));
+}
+
+void GuideView::open(const QString& file) {
+    file_ = file;
+    before_.clear();
+    Q_EMIT changed();
+    Q_EMIT turned();
+    app_.openPage(QStringLiteral("Guide"));
+}
+
+void GuideView::follow(const QString& link) {
+    const QString file = link.section(QLatin1Char('#'), 0, 0);
+    const QString anchor = link.section(QLatin1Char('#'), 1);
+    if (link.startsWith(QLatin1String("https:"))) {
+        open_(QUrl(link));
+        return;
+    }
+    if (!file.isEmpty()) {
+        if (!guidePageOf(file))
+            return;
+        before_.append(std::exchange(file_, file));
+        Q_EMIT changed();
+        Q_EMIT turned();
+    }
+    const GuidePage* page = guidePageOf(file_);
+    if (const QString heading = page ? headingAt(guideSource(*page), anchor) : QString(); !heading.isEmpty())
+        Q_EMIT headingWanted(heading);
+}
+
+void GuideView::goBack() {
+    if (before_.isEmpty())
+        return;
+    file_ = before_.takeLast();
+    Q_EMIT changed();
+    Q_EMIT turned();
+}
+
+QString GuideView::title() const {
+    const GuidePage* page = guidePageOf(file_);
+    return page ? QString::fromLatin1(page->title) : QString();
+}
+
+QString GuideView::text() const {
+    const GuidePage* page = guidePageOf(file_);
+    if (!page)
+        return {};
+    return guideMarkdown(guideSource(*page), [this](const QString& name) { return picture(name); });
+}
+
+void GuideView::setRoom(int room) {
+    if (std::exchange(room_, room) != room)
+        Q_EMIT changed();
+}
+
+GuidePicture GuideView::picture(const QString& name) const {
+    if (rig_.transport().live())
+        return {};
+    QSize size = QImageReader(pathOf(name)).size();
+    if (size.width() > room_)
+        size = QSize(room_, size.height() * room_ / size.width());
+    return {.address =
+                QStringLiteral("image://guide/%1@%2@%3").arg(name).arg(size.width()).arg(theme_.name()),
+            .size = size};
+}
+
+} // namespace zenka::ui

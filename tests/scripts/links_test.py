@@ -1,0 +1,40 @@
+"""Every relative link and picture of the project's pages leads to a file, and to a heading where it names one."""
+
+import pathlib
+import re
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PAGES = sorted([*ROOT.glob("*.md"), *ROOT.glob("docs/*.md"), *ROOT.glob("data/*.md")])
+FENCED = re.compile(r"^```.*?^```", re.MULTILINE | re.DOTALL)
+LINK = re.compile(r"(!?)\[([^\]]*)\]\(([^)\s]*)\)")
+
+
+def anchors(page):
+    """As the places that show Markdown on the web make them."""
+    headings = re.findall(r"^#+ +(.*)$", FENCED.sub("", page.read_text()), re.MULTILINE)
+    return {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in headings}
+
+
+class Links(unittest.TestCase):
+    def test_each_leads_somewhere_and_each_picture_has_words(self):
+        links = 0
+        for page in PAGES:
+            for picture, words, address in LINK.findall(FENCED.sub("", page.read_text())):
+                if address.startswith("https:"):
+                    continue
+                links += 1
+                with self.subTest(page=page.name, link=address):
+                    file, _, anchor = address.partition("#")
+                    target = (page.parent / file).resolve() if file else page
+                    self.assertTrue(target.exists())
+                    self.assertTrue(target.is_relative_to(ROOT))
+                    if anchor:
+                        self.assertIn(anchor, anchors(target))
+                    if picture:
+                        self.assertTrue(words.strip())
+        self.assertGreater(links, 20)
+
+
+if __name__ == "__main__":
+    unittest.main()
