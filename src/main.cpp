@@ -46,8 +46,8 @@ bool hasDisplay() {
 }
 
 /// Two programs would take the bodies from each other.
-int passedOn(const zenka::platform::OneInstance& first, const QString& script) {
-    if (first.passOn(script.toUtf8())) {
+int passedOn(const zenka::platform::OneInstance& first, const QString& file) {
+    if (first.passOn(file.toUtf8())) {
         std::fputs("zenka: it runs already, and its window comes to the front.\n", stderr);
         return 0;
     }
@@ -65,11 +65,11 @@ int runWindow(int argc, char** argv) {
     QGuiApplication::setWindowIcon(painting::windowIcon());
     platform::LinuxFolders folders;
     // What a file manager passes on. A switch that lacks its values is none of that.
-    const QString script =
+    const QString file =
         argc > 1 && argv[1][0] != '-' ? QFileInfo(QFile::decodeName(argv[1])).absoluteFilePath() : QString();
     platform::OneInstance instance(folders.applicationSupport());
     if (!instance.first())
-        return passedOn(instance, script);
+        return passedOn(instance, file);
     platform::ThreadWorkQueues settingsQueues;
     platform::QtSettings settings(settingsQueues);
     for (const char* key : rig::settingsKeys::deployment)
@@ -146,8 +146,8 @@ int runWindow(int argc, char** argv) {
         rig.log().pushLog("⚠️ " + *damage);
     if (!window.show())
         return 1;
-    if (!script.isEmpty())
-        window.openScript(script);
+    if (!file.isEmpty())
+        window.openFile(file);
     instance.listen([&window](const QByteArray& path) { window.startedAgain(QString::fromUtf8(path)); });
     const int status = QGuiApplication::exec();
     machine.usb.watch({});

@@ -23,15 +23,15 @@ QString pathOf(const QString& picture) {
 
 class GuidePictures final : public QQuickImageProvider {
 public:
-    explicit GuidePictures(const Theme& theme) : QQuickImageProvider(Image), theme_(theme) {}
+    GuidePictures() : QQuickImageProvider(Image) {}
 
-    /// "NAME@WIDTH@THEME", so that the engine keeps apart what it has in store.
+    /// "NAME@WIDTH@THEME", so that the engine keeps apart what it has in store. Any thread.
     QImage requestImage(const QString& id, QSize* size, const QSize& /*wanted*/) override {
         QImage picture(pathOf(id.section(QLatin1Char('@'), 0, 0)));
         const int width = id.section(QLatin1Char('@'), 1, 1).toInt();
         if (width > 0 && width < picture.width())
             picture = picture.scaledToWidth(width, Qt::SmoothTransformation);
-        if (theme_.night()) {
+        if (id.section(QLatin1Char('@'), 2, 2) == QLatin1String("Night")) {
             picture.convertTo(QImage::Format_RGB32);
             for (int y = 0; y < picture.height(); ++y) {
                 auto* pixels = reinterpret_cast<QRgb*>(picture.scanLine(y));
@@ -43,9 +43,6 @@ public:
             *size = picture.size();
         return picture;
     }
-
-private:
-    const Theme& theme_;
 };
 
 } // namespace
@@ -57,7 +54,7 @@ GuideView::GuideView(rig::RigModel& rig, AppView& app, const Theme& theme,
 }
 
 void GuideView::givePicturesTo(QQmlEngine& engine) const {
-    engine.addImageProvider(QStringLiteral("guide"), new GuidePictures(theme_));
+    engine.addImageProvider(QStringLiteral("guide"), new GuidePictures);
 }
 
 void GuideView::open(const QString& file) {

@@ -83,12 +83,12 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     const auto open = [this](const QUrl& address) { openUrl_(address); };
     auto* analyzer = new AnalyzerView(rig, *app_, open, this);
     auto* preflight = new PreflightView(rig, *app_, this);
-    auto* transfer = new RigTransferView(rig, ports, *app_, this);
+    transfer_ = new RigTransferView(rig, ports, *app_, this);
     checklist_ = std::make_unique<ChecklistPrinter>(rig, ports, version.toStdString(), open);
     auto* guide = new GuideView(rig, *app_, *theme_, open, this);
     guide->givePicturesTo(*engine_);
     declareCommands(
-        *commands_, rig, *app_, *theme_, *edit_, *analyzer, *preflight, *transfer, *checklist_, *guide,
+        *commands_, rig, *app_, *theme_, *edit_, *analyzer, *preflight, *transfer_, *checklist_, *guide,
         [this] { return quickWindow(); }, open, QString::fromStdString(ports.folders.runLogs().string()));
     new NightSwitch(rig, *theme_, this);
     new NightPointer(*theme_, this);
@@ -148,7 +148,7 @@ Window::Window(rig::RigModel& rig, const ports::Ports& ports, services::ServiceD
     context.setContextProperty(QStringLiteral("library"), new LibraryView(rig, this));
     context.setContextProperty(QStringLiteral("compensation"), new CompensationView(rig, this));
     context.setContextProperty(QStringLiteral("compRules"), new CompRulesView(rig, this));
-    context.setContextProperty(QStringLiteral("transfer"), transfer);
+    context.setContextProperty(QStringLiteral("transfer"), transfer_);
     context.setContextProperty(QStringLiteral("updates"), new UpdatesView(ports, version, this));
     app_->setFeedbackGoesOut([&services] { return !services.host()->empty(); });
     context.setContextProperty(QStringLiteral("service"), new ServiceView(services, rig, *app_, this));
@@ -184,7 +184,12 @@ bool Window::show() {
     return true;
 }
 
-void Window::openScript(const QString& path) {
+void Window::openFile(const QString& path) {
+    if (path.endsWith(QLatin1String(rig::RigTransfer::suffix))) {
+        transfer_->beginImport();
+        transfer_->read(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
+        return;
+    }
     app_->openSheet(QStringLiteral("Script"));
     script_->open(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
 }
@@ -203,7 +208,7 @@ void Window::startedAgain(const QString& path) {
             "⚠️ “" + QFileInfo(path).fileName().toStdString() +
             "” was not opened: this is a live run. Open it in the script sheet if you mean it.");
     else
-        openScript(path);
+        openFile(path);
 }
 
 QStringList Window::sheets() {

@@ -29,6 +29,7 @@ class AppView;
 class ChecklistPrinter;
 class Commands;
 class EditTarget;
+class RigTransferView;
 class ScriptView;
 class Theme;
 
@@ -46,8 +47,8 @@ public:
     /// rig is started once the dashboard is up.
     bool show();
 
-    /// Opens a script from a file in its sheet.
-    void openScript(const QString& path);
+    /// Opens a file: a rig to be imported, by its ending, or else a script in its sheet.
+    void openFile(const QString& path);
 
     /// The user started the program once more, with a script or without one (empty): this window comes to the
     /// front. In a live run the script is not opened, and the log says so.
@@ -71,6 +72,7 @@ private:
     Commands* commands_ = nullptr;
     std::unique_ptr<ChecklistPrinter> checklist_;
     EditTarget* edit_ = nullptr;
+    RigTransferView* transfer_ = nullptr;
     Theme* theme_ = nullptr;
     ScriptView* script_ = nullptr;
     QQmlApplicationEngine* engine_ = nullptr;

@@ -118,12 +118,18 @@ TEST_F(WindowScript, commandsThatCameWithAFileAreReadBeforeTheyMayRun) {
 
 TEST_F(WindowScript, aFileThatTheProgramIsStartedWithIsOpened) {
     rig.files.contents["/home/ann's shots.zenka"] = rig.frameAt(100);
-    window->openScript(QStringLiteral("/home/ann's shots.zenka"));
+    window->openFile(QStringLiteral("/home/ann's shots.zenka"));
     rig.run(0.1);
     window.settle();
     EXPECT_EQ(sheet(), "Script");
     EXPECT_EQ(rig.model.script().currentScriptName().get(), "ann's shots.zenka");
-    window->openScript(QStringLiteral("/home/none.zenka"));
+    rig.files.contents["/home/a.zenka-rig"] = rig::toJson(rig.model.transfer().gather());
+    window->openFile(QStringLiteral("/home/a.zenka-rig"));
+    rig.run(0.1);
+    EXPECT_EQ(sheet(), "RigTransfer") << "and nothing is taken yet";
+    window.settle();
+    EXPECT_TRUE(window.says(QStringLiteral("3 saved sites")));
+    window->openFile(QStringLiteral("/home/none.zenka"));
     rig.run(0.1);
     window.settle();
     EXPECT_TRUE(window.says(QStringLiteral("\"none.zenka\" cannot be read.")));
