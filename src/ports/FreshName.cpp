@@ -1,5 +1,7 @@
 #include "ports/FreshName.h"
 
+#include <absl/strings/str_format.h>
+
 namespace zenka::ports {
 
 namespace {
@@ -14,7 +16,7 @@ std::filesystem::path freshName(Files& files, const std::filesystem::path& folde
     for (int number = 2; files.exists(path); ++number) {
         if (number > mostOfOneName)
             return {};
-        path = folder / (name + " " + std::to_string(number) + suffix);
+        path = folder / absl::StrFormat("%s %d%s", name, number, suffix);
     }
     return path;
 }

@@ -97,14 +97,17 @@ std::map<std::string, MeasuredFloors::OfModel> MeasuredFloors::all() const {
 }
 
 void MeasuredFloors::merge(const std::map<std::string, OfModel>& models) {
-    const auto number = [this](const char* prefix, const std::string& model, std::optional<double> value) {
-        if (value && isMeasurement(*value))
-            settings_.setNumber(prefix + model, *value);
+    const auto keep = [this](const std::string& key, double seconds) {
+        if (isMeasurement(seconds))
+            settings_.setNumber(key, seconds);
     };
-    for (const auto& [model, known] : models) {
-        number(keys::measuredFloorPrefix, model, known.floorSec);
-        number(keys::measuredSameFloorPrefix, model, known.sameFloorSec);
-        number(keys::sustainedFloorPrefix, model, known.sustainedSec);
+    constexpr double none = 0; // no measurement
+    for (const auto& each : models) {
+        const std::string& model = each.first;
+        const OfModel& known = each.second;
+        keep(keys::measuredFloorPrefix + model, known.floorSec.value_or(none));
+        keep(keys::measuredSameFloorPrefix + model, known.sameFloorSec.value_or(none));
+        keep(keys::sustainedFloorPrefix + model, known.sustainedSec.value_or(none));
         keepBurstDepth(model, known.burst.value_or(BurstDepth{}));
         keepLongFrameFloor(model, known.longFrames.value_or(LongFrameFloor{}));
     }
