@@ -1,12 +1,15 @@
 #include "ui/AppView.h"
 
 #include "rig/RigModel.h"
+#include "ui/DesktopDialogs.h"
 #include "ui/LogView.h"
 #include "ui/Observe.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QSysInfo>
+#include <QUrl>
+#include <QVariantMap>
 
 #include <utility>
 
@@ -31,7 +34,7 @@ bool isPage(const QString& sheet) {
 } // namespace
 
 AppView::AppView(rig::RigModel& rig, QString version, QObject* parent)
-    : QObject(parent), rig_(rig), version_(std::move(version)) {
+    : QObject(parent), rig_(rig), version_(std::move(version)), desktopDialogs_(desktopHasFileDialogs()) {
     observe(this, rig.keeper().resumableRun().changed(), [this](const auto&) { Q_EMIT promptChanged(); });
     observe(this, rig.keeper().showEclipseDay().changed(), [this](bool) { Q_EMIT promptChanged(); });
     observe(this, rig.script().showWelcome().changed(), [this](bool show) {
@@ -97,6 +100,14 @@ void AppView::quit() {
 
 void AppView::reportBug() {
     openSheet(feedbackGoesOut_() ? QStringLiteral("Feedback") : QStringLiteral("ReportBug"));
+}
+
+QVariantList AppView::places() {
+    QVariantList rows;
+    for (const FilePlace& place : filePlaces(QString::fromLocal8Bit(qgetenv("USER"))))
+        rows.append(QVariantMap{{QStringLiteral("name"), place.name},
+                                {QStringLiteral("folder"), QUrl::fromLocalFile(place.folder)}});
+    return rows;
 }
 
 void AppView::openKeys(const QString& keysHere) {

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 
 #include <functional>
 #include <utility>
@@ -18,6 +19,7 @@ class AppView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString sheet READ sheet NOTIFY sheetChanged)
     Q_PROPERTY(QString version READ version CONSTANT)
+    Q_PROPERTY(bool desktopDialogs READ desktopDialogs CONSTANT)
     Q_PROPERTY(QString bugFacts READ bugFacts NOTIFY sheetChanged)
     Q_PROPERTY(QString keysHere READ keysHere NOTIFY sheetChanged)
     Q_PROPERTY(QString prompt READ prompt NOTIFY promptChanged)
@@ -51,7 +53,11 @@ public:
     QString version() const { return version_; }
     /// What helps to understand a fault: version, system, what is set, and the log.
     QString bugFacts() const;
+    /// Where files are often put: rows of name and folder.
+    Q_INVOKABLE static QVariantList places();
     Q_INVOKABLE static void copy(const QString& text);
+    /// Whether the desktop has file dialogs of its own.
+    bool desktopDialogs() const { return desktopDialogs_; }
     QString keysHere() const { return keysHere_; }
 
     /// "resume", "eclipseDay" or empty, with its words.
@@ -83,6 +89,7 @@ private:
     QString sheet_;
     QStringList sheetsBelow_; ///< those to go back to, the last one first
     QString keysHere_;
+    const bool desktopDialogs_;
     bool typing_ = false;
     std::function<bool()> feedbackGoesOut_ = [] { return false; };
 };

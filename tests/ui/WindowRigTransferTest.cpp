@@ -78,6 +78,19 @@ TEST_F(WindowRigTransfer, aRigIsShownBeforeItIsTakenAndByKeyOnlyWhatIsTickedIsTa
     EXPECT_TRUE(window.says(QStringLiteral("✓ Taken: 4 saved sites")));
 }
 
+TEST_F(WindowRigTransfer, byKeyAloneItIsPutWhereOneLikesUnderTheNameThatIsOffered) {
+    window->commands().trigger(QStringLiteral("exportRig"));
+    window.settle();
+    window.named("transferChoose")->forceActiveFocus();
+    window.key(Qt::Key_Return);
+    window.settle();
+    EXPECT_TRUE(window.says(QStringLiteral("Home"))) << "places to begin with";
+    window.key(Qt::Key_Return);
+    pass();
+    EXPECT_TRUE(window.says(QStringLiteral("Exported to \"Zenka Rig 2026-08-12.zenka-rig\"")));
+    EXPECT_EQ(rig.files.count(".zenka-rig"), 1);
+}
+
 TEST_F(WindowRigTransfer, inALiveRunTheMenuSaysWhyNothingIsImported) {
     EXPECT_TRUE(canImport());
     rig.load(rig.frameAt(3000));

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Dialogs
 import QtQuick.Layouts
 import QtQuick.Window
 
@@ -25,9 +24,7 @@ SheetFrame {
              : againButton.visible ? againButton : closeButton).forceActiveFocus(Qt.TabFocusReason)
     }
     function askForFolder() {
-        const dialog = theme.night && folderPicker.item ? folderPicker.item : folderDialog
-        dialog.currentFolder = analyzer.folder
-        dialog.open()
+        folderChooser.ask(analyzer.folder)
     }
 
     FormFlick {
@@ -167,25 +164,12 @@ SheetFrame {
         ZButton { objectName: "openReport"; visible: analyzer.hasReport; text: "Open the report"; onClicked: analyzer.openReport() }
     }
 
-    FolderDialog {
-        id: folderDialog
+    FileChooser {
+        id: folderChooser
         title: "The folder with the card's images"
-        onAccepted: analyzer.analyzeFolder(selectedFolder)
-    }
-    // The desktop's dialogs are white: in the dark there is one of our own.
-    Loader {
-        id: folderPicker
-        active: theme.night
-        source: "FilePicker.qml"
-        onLoaded: {
-            item.title = folderDialog.title
-            item.choosesFolder = true
-            item.takeText = "Analyze this folder"
-            item.emptyText = "No folder in this one."
-        }
-        Connections {
-            target: folderPicker.item
-            function onAccepted() { analyzer.analyzeFolder(folderPicker.item.selectedFile) }
-        }
+        choosesFolder: true
+        takeText: "Analyze this folder"
+        emptyText: "No folder in this one."
+        onChosen: (folder) => analyzer.analyzeFolder(folder)
     }
 }

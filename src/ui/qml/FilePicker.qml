@@ -16,6 +16,7 @@ Popup {
     property string suffix
     property string suggested // a name to begin with
     property url currentFolder
+    property var places: []
     property url selectedFile
     property url replacing // a file that is there already, which the user has been asked about
     signal accepted()
@@ -60,6 +61,7 @@ Popup {
     background: Rectangle { color: theme.panel; border.color: theme.accent; border.width: 1; radius: 6 }
     Controls.Overlay.modal: Rectangle { color: Qt.rgba(theme.page.r, theme.page.g, theme.page.b, 0.6) }
     onAboutToShow: {
+        places = app.places()
         files.folder = currentFolder
         list.currentIndex = 0
         nameField.text = saving ? suggested : ""
@@ -88,6 +90,18 @@ Popup {
                 text: decodeURIComponent(String(files.folder).replace("file://", ""))
                 elide: Text.ElideLeft
                 wrapMode: Text.NoWrap
+            }
+        }
+        Flow {
+            Layout.fillWidth: true
+            spacing: 8
+            Repeater {
+                model: picker.places
+                delegate: ZButton {
+                    required property var modelData
+                    text: modelData.name
+                    onClicked: { files.folder = modelData.folder; list.currentIndex = 0; list.forceActiveFocus() }
+                }
             }
         }
         ListView {

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Dialogs
 import QtQuick.Layouts
 
 // A rig into a file, or out of one: what is in it is shown before anything is taken.
@@ -11,12 +10,7 @@ SheetFrame {
     readonly property string keysHere: "Tab, Space: through the parts, and take or leave one. Enter: the button that has the keyboard. Escape: back, with nothing changed that was not imported yet."
 
     function askForFile() {
-        const dialog = transfer.importing ? (theme.night && openPicker.item ? openPicker.item : openDialog)
-                                          : (theme.night && savePicker.item ? savePicker.item : saveDialog)
-        dialog.currentFolder = transfer.folder
-        if (!transfer.importing && dialog === saveDialog)
-            saveDialog.selectedFile = transfer.folder + "/" + transfer.suggestedName
-        dialog.open()
+        (transfer.importing ? openChooser : saveChooser).ask(transfer.folder)
     }
 
     FormFlick {
@@ -126,50 +120,23 @@ SheetFrame {
         }
     }
 
-    FileDialog {
-        id: openDialog
+    FileChooser {
+        id: openChooser
         title: "Import a rig"
-        nameFilters: ["Rigs (*.zenka-rig)", "All files (*)"]
-        onAccepted: transfer.read(selectedFile)
+        kind: "Rigs"
+        patterns: ["*.zenka-rig"]
+        emptyText: "No rig in this folder."
+        onChosen: (file) => transfer.read(file)
     }
-    FileDialog {
-        id: saveDialog
+    FileChooser {
+        id: saveChooser
         title: "Export the rig"
-        fileMode: FileDialog.SaveFile
-        defaultSuffix: "zenka-rig"
-        nameFilters: ["Rigs (*.zenka-rig)", "All files (*)"]
-        onAccepted: transfer.exportTo(selectedFile)
-    }
-    // The desktop's dialogs are white: in the dark there is one of our own.
-    Loader {
-        id: openPicker
-        active: theme.night
-        source: "FilePicker.qml"
-        onLoaded: {
-            item.title = openDialog.title
-            item.nameFilters = ["*.zenka-rig"]
-            item.emptyText = "No rig in this folder."
-        }
-        Connections {
-            target: openPicker.item
-            function onAccepted() { transfer.read(openPicker.item.selectedFile) }
-        }
-    }
-    Loader {
-        id: savePicker
-        active: theme.night
-        source: "FilePicker.qml"
-        onLoaded: {
-            item.title = saveDialog.title
-            item.saving = true
-            item.nameFilters = ["*.zenka-rig"]
-            item.suffix = ".zenka-rig"
-            item.suggested = Qt.binding(() => transfer.suggestedName)
-            item.emptyText = "No rig in this folder."
-        }
-        Connections {
-            target: savePicker.item
-            function onAccepted() { transfer.exportTo(savePicker.item.selectedFile) }
-        }
+        saving: true
+        kind: "Rigs"
+        patterns: ["*.zenka-rig"]
+        suffix: ".zenka-rig"
+        suggested: transfer.suggestedName
+        emptyText: "No rig in this folder."
+        onChosen: (file) => transfer.exportTo(file)
     }
 }

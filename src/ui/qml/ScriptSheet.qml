@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Dialogs
 import QtQuick.Layouts
 import Zenka 1.0
 
@@ -14,18 +13,14 @@ SheetFrame {
     readonly property string keysHere: "Ctrl+S: save. Ctrl+Shift+S: save as. Ctrl+O: open. Ctrl+N: new. F7: validate. Ctrl+Z, Ctrl+Shift+Z: undo, redo. Tab: to the buttons and the diagnostics, where Enter goes to the line. Escape: back, with the text kept."
 
     function askWhereToSave() {
-        const dialog = theme.night && savePicker.item ? savePicker.item : saveDialog
-        dialog.currentFolder = script.folder
-        dialog.open()
+        saveChooser.ask(script.folder)
     }
     function save() {
         if (!script.save())
             askWhereToSave()
     }
     function ask() {
-        const dialog = theme.night && openPicker.item ? openPicker.item : openDialog
-        dialog.currentFolder = script.folder
-        dialog.open()
+        openChooser.ask(script.folder)
     }
     function goToRow(row) {
         area.cursorPosition = script.positionOf(row)
@@ -389,48 +384,21 @@ SheetFrame {
         }
     }
 
-    FileDialog {
-        id: openDialog
+    FileChooser {
+        id: openChooser
         title: "Open a script"
-        nameFilters: ["Scripts (*.zenka *.txt)", "All files (*)"]
-        onAccepted: script.open(selectedFile)
+        kind: "Scripts"
+        patterns: ["*.zenka", "*.txt"]
+        onChosen: (file) => script.open(file)
     }
-    FileDialog {
-        id: saveDialog
+    FileChooser {
+        id: saveChooser
         title: "Save the script"
-        fileMode: FileDialog.SaveFile
-        defaultSuffix: "zenka"
-        nameFilters: ["Scripts (*.zenka)", "All files (*)"]
-        onAccepted: script.saveAs(selectedFile)
-    }
-    // The desktop's dialogs are white: in the dark there is one of our own.
-    Loader {
-        id: openPicker
-        active: theme.night
-        source: "FilePicker.qml"
-        onLoaded: {
-            item.title = "Open a script"
-            item.nameFilters = ["*.zenka", "*.txt"]
-        }
-        Connections {
-            target: openPicker.item
-            function onAccepted() { script.open(openPicker.item.selectedFile) }
-        }
-    }
-    Loader {
-        id: savePicker
-        active: theme.night
-        source: "FilePicker.qml"
-        onLoaded: {
-            item.title = "Save the script"
-            item.saving = true
-            item.nameFilters = ["*.zenka"]
-            item.suffix = ".zenka"
-        }
-        Connections {
-            target: savePicker.item
-            function onAccepted() { script.saveAs(savePicker.item.selectedFile) }
-        }
+        saving: true
+        kind: "Scripts"
+        patterns: ["*.zenka"]
+        suffix: ".zenka"
+        onChosen: (file) => script.saveAs(file)
     }
     // What the menu and the timeline ask for.
     Connections {
