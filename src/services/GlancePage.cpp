@@ -22,7 +22,8 @@ constexpr char style[] =
     ".count{font:700 clamp(2.8rem,17vw,6rem)/1 ui-monospace,monospace;margin:.1rem 0 .5rem;color:#ffb84d}"
     ".alarm{background:#c00;color:#fff;padding:.6rem .8rem;font-weight:700;margin:.6rem 0}"
     "p{margin:.2rem 0}.quiet{color:#b8b8b8}"
-    "table{border-collapse:collapse;width:100%;margin:.8rem 0}"
+    "table{border-collapse:collapse;width:100%;margin:.8rem 0;font-size:.8rem}"
+    "th,.whole{overflow-wrap:normal}"
     "td,th{text-align:left;padding:.35rem .4rem .35rem 0;border-bottom:1px solid #444;vertical-align:top}"
     "td.n,th.n{text-align:right}"
     ".trouble{color:#ff7b6b;font-weight:700}"
@@ -41,11 +42,12 @@ std::string begin(const std::string& title) {
 std::string contactsTable(const std::vector<GlanceState::Contact>& contacts) {
     std::string html = "<table><caption class=\"quiet\">Contacts, time of the site</caption><tr>";
     for (const auto& contact : contacts)
-        html += "<th scope=\"col\">" + escaped(contact.key) + "</th>";
+        html +=
+            std::string("<th scope=\"col\">") + (contact.past ? "✓ " : "") + escaped(contact.key) + "</th>";
     html += "</tr><tr>";
     for (const auto& contact : contacts)
-        html += std::string("<td") + (contact.past ? " class=\"past\">✓ " : ">") + escaped(contact.time) +
-                "</td>";
+        html += std::string("<td class=\"whole") + (contact.past ? " past\">" : "\">") +
+                escaped(contact.time) + "</td>";
     return html + "</tr></table>";
 }
 

@@ -138,13 +138,8 @@ FocusScope {
         RowLayout {
             width: parent.width
             spacing: 6
-            visible: !card.missing || card.counts !== "" || card.dropped !== ""
-            Flow {
-                Layout.fillWidth: true
-                spacing: 10
-                ZLabel { text: card.counts; font.family: theme.digits; wrapMode: Text.NoWrap; visible: text !== "" }
-                ZLabel { text: card.dropped; font.weight: Font.Bold; color: theme.warning; wrapMode: Text.NoWrap; visible: text !== "" }
-            }
+            visible: !card.missing || card.counts !== ""
+            ZLabel { Layout.fillWidth: true; text: card.counts; font.family: theme.digits; wrapMode: Text.NoWrap }
             ZButton {
                 id: lensButton
                 objectName: "lensButton"
@@ -177,6 +172,14 @@ FocusScope {
                     app.openSheet("TestShot")
                 }
             }
+        }
+        // A line of its own: beside the buttons of a narrow card there is no room for it.
+        ZLabel {
+            width: parent.width
+            visible: text !== ""
+            text: card.dropped
+            font.weight: Font.Bold
+            color: theme.warning
         }
         LensField {
             id: lensField
