@@ -76,7 +76,7 @@ QString guideSource(const GuidePage& page) {
 }
 
 QString guideMarkdown(const QString& source,
-                      const std::function<GuidePicture(const QString& name)>& picture) {
+                      const std::function<QString(const QString& picture)>& addressOf) {
     static const QRegularExpression image(QStringLiteral(R"(^!\[([^\]]*)\]\(images/([^)/]*)\)$)"));
     QStringList lines;
     eachLine(source, [&](const QString& line, bool code) {
@@ -86,12 +86,8 @@ QString guideMarkdown(const QString& source,
             return;
         }
         const QString alt = match.captured(1);
-        if (const GuidePicture shown = picture(match.captured(2)); !shown.size.isEmpty())
-            lines.append({QStringLiteral("<img src=\"%1\" alt=\"%2\" width=\"%3\" height=\"%4\"/>")
-                              .arg(shown.address, alt.toHtmlEscaped())
-                              .arg(shown.size.width())
-                              .arg(shown.size.height()),
-                          QString()});
+        if (const QString address = addressOf(match.captured(2)); !address.isEmpty())
+            lines.append({QStringLiteral("![%1](%2)").arg(alt, address), QString()});
         lines.append(QStringLiteral("*%1*").arg(alt));
     });
     return lines.join(QLatin1Char('\n'));

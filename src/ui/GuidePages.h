@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QSize>
 #include <QString>
 
 #include <functional>
@@ -24,15 +23,9 @@ const GuidePage* guidePageOf(const QString& file);
 /// The Markdown of a page as it stands in docs/.
 QString guideSource(const GuidePage& page);
 
-/// Where a picture is had from, and how large it is shown; empty where it is not.
-struct GuidePicture {
-    QString address;
-    QSize size;
-};
-
-/// A page as the window shows it: its pictures as told for the name of each, with its alternative text below;
-/// links to what Help has not are plain words.
-QString guideMarkdown(const QString& source, const std::function<GuidePicture(const QString& name)>& picture);
+/// A page as the window shows it: its pictures from the address that is told for the name of each, or left
+/// out where that is empty, with its alternative text below; links to what Help has not are plain words.
+QString guideMarkdown(const QString& source, const std::function<QString(const QString& picture)>& addressOf);
 
 /// The heading that an anchor such as "a-first-rehearsal" leads to; empty where there is none.
 QString headingAt(const QString& source, const QString& anchor);

@@ -7,11 +7,17 @@
 #include "ui/Theme.h"
 
 #include <QImage>
-#include <QImageReader>
 #include <QQmlEngine>
 #include <QQuickImageProvider>
+#include <QQuickItem>
+#include <QQuickTextDocument>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QTextFragment>
 
 #include <utility>
+#include <vector>
 
 namespace zenka::ui {
 
@@ -21,11 +27,17 @@ QString pathOf(const QString& picture) {
     return QStringLiteral(":/zenka/docs/images/") + picture;
 }
 
+QTextDocument* documentOf(const QQuickItem* page) {
+    const auto* document = page ? page->property("textDocument").value<QQuickTextDocument*>() : nullptr;
+    return document ? document->textDocument() : nullptr;
+}
+
 class GuidePictures final : public QQuickImageProvider {
 public:
     GuidePictures() : QQuickImageProvider(Image) {}
 
-    /// "NAME@WIDTH@THEME", so that the engine keeps apart what it has in store. Any thread.
+    /// "NAME@ROOM@THEME", so that the engine keeps apart what it has in store. No wider than the room. Any
+    /// thread.
     QImage requestImage(const QString& id, QSize* size, const QSize& /*wanted*/) override {
         QImage picture(pathOf(id.section(QLatin1Char('@'), 0, 0)));
         const int width = id.section(QLatin1Char('@'), 1, 1).toInt();
@@ -92,6 +104,42 @@ void GuideView::goBack() {
     Q_EMIT turned();
 }
 
+void GuideView::dress(QQuickItem* page) const {
+    page->setFlag(QQuickItem::ItemObservesViewport);
+    QTextDocument* document = documentOf(page);
+    if (!document)
+        return;
+    QTextCharFormat link;
+    link.setForeground(theme_.accent());
+    link.setFontUnderline(true);
+    QTextCursor cursor(document);
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        std::vector<std::pair<int, int>> links;
+        for (auto at = block.begin(); !at.atEnd(); ++at) {
+            const QTextFragment fragment = at.fragment();
+            const QTextCharFormat format = fragment.charFormat();
+            // Each change is told to the page, which asks for this anew.
+            if (format.isAnchor() && format.foreground() != link.foreground())
+                links.emplace_back(fragment.position(), fragment.position() + fragment.length());
+        }
+        for (const auto& [first, last] : links) {
+            cursor.setPosition(first);
+            cursor.setPosition(last, QTextCursor::KeepAnchor);
+            cursor.mergeCharFormat(link);
+        }
+    }
+}
+
+int GuideView::positionOf(const QString& heading, QQuickItem* page) {
+    const QTextDocument* document = documentOf(page);
+    for (QTextBlock block = document ? document->begin() : QTextBlock(); block.isValid();
+         block = block.next()) {
+        if (block.blockFormat().headingLevel() > 0 && block.text() == heading)
+            return block.position();
+    }
+    return -1;
+}
+
 QString GuideView::title() const {
     const GuidePage* page = guidePageOf(file_);
     return page ? QString::fromLatin1(page->title) : QString();
@@ -101,7 +149,7 @@ QString GuideView::text() const {
     const GuidePage* page = guidePageOf(file_);
     if (!page)
         return {};
-    return guideMarkdown(guideSource(*page), [this](const QString& name) { return picture(name); });
+    return guideMarkdown(guideSource(*page), [this](const QString& picture) { return addressOf(picture); });
 }
 
 void GuideView::setRoom(int room) {
@@ -109,15 +157,10 @@ void GuideView::setRoom(int room) {
         Q_EMIT changed();
 }
 
-GuidePicture GuideView::picture(const QString& name) const {
-    if (rig_.transport().live())
+QString GuideView::addressOf(const QString& picture) const {
+    if (rig_.transport().live() || room_ <= 0)
         return {};
-    QSize size = QImageReader(pathOf(name)).size();
-    if (size.width() > room_)
-        size = QSize(room_, size.height() * room_ / size.width());
-    return {.address =
-                QStringLiteral("image://guide/%1@%2@%3").arg(name).arg(size.width()).arg(theme_.name()),
-            .size = size};
+    return QStringLiteral("image://guide/%1@%2@%3").arg(picture).arg(room_).arg(theme_.name());
 }
 
 } // namespace zenka::ui

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "ui/GuidePages.h"
-
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -10,6 +8,7 @@
 #include <functional>
 
 class QQmlEngine;
+class QQuickItem;
 
 namespace zenka::rig {
 class RigModel;
@@ -44,6 +43,10 @@ public:
     /// Goes where a link of the page leads.
     Q_INVOKABLE void follow(const QString& link);
     Q_INVOKABLE void goBack();
+    /// Gives the links of what a text item shows the colour of the theme; Qt has one of its own for them.
+    Q_INVOKABLE void dress(QQuickItem* page) const;
+    /// Where a heading begins in it; below 0: nowhere.
+    Q_INVOKABLE static int positionOf(const QString& heading, QQuickItem* page);
 
     QString title() const;
     QString text() const;
@@ -59,7 +62,7 @@ Q_SIGNALS:
     void headingWanted(const QString& heading);
 
 private:
-    GuidePicture picture(const QString& name) const;
+    QString addressOf(const QString& picture) const;
 
     rig::RigModel& rig_;
     AppView& app_;

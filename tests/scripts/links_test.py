@@ -7,6 +7,7 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PAGES = sorted([*ROOT.glob("*.md"), *ROOT.glob("docs/*.md"), *ROOT.glob("data/*.md")])
 FENCED = re.compile(r"^```.*?^```", re.MULTILINE | re.DOTALL)
+CODE = re.compile(r"`[^`\n]*`")
 LINK = re.compile(r"(!?)\[([^\]]*)\]\(([^)\s]*)\)")
 
 
@@ -20,7 +21,7 @@ class Links(unittest.TestCase):
     def test_each_leads_somewhere_and_each_picture_has_words(self):
         links = 0
         for page in PAGES:
-            for picture, words, address in LINK.findall(FENCED.sub("", page.read_text())):
+            for picture, words, address in LINK.findall(CODE.sub("", FENCED.sub("", page.read_text()))):
                 if address.startswith("https:"):
                     continue
                 links += 1
@@ -34,6 +35,13 @@ class Links(unittest.TestCase):
                     if picture:
                         self.assertTrue(words.strip())
         self.assertGreater(links, 20)
+
+    def test_each_picture_is_used_and_small(self):
+        used = {address for page in PAGES for _, _, address in LINK.findall(page.read_text())}
+        for picture in (ROOT / "docs" / "images").iterdir():
+            with self.subTest(picture=picture.name):
+                self.assertTrue(any(address.endswith("images/" + picture.name) for address in used))
+                self.assertLess(picture.stat().st_size, 90_000)
 
 
 if __name__ == "__main__":

@@ -28,11 +28,10 @@ SheetFrame {
             color: "transparent"
             border.width: page.activeFocus ? 2 : 1
             border.color: page.activeFocus ? theme.accent : theme.line
-            ScrollView {
+            TextScroller {
                 id: scroller
                 anchors.fill: parent
                 anchors.margins: 2
-                clip: true
                 focus: true
                 TextArea {
                     id: page
@@ -41,9 +40,9 @@ SheetFrame {
                     readOnly: true
                     textFormat: TextEdit.MarkdownText
                     text: guide.text
+                    onTextChanged: guide.dress(page)
                     wrapMode: TextEdit.Wrap
                     color: theme.text
-                    palette.link: theme.accent
                     font.pixelSize: theme.normal
                     selectionColor: theme.accent
                     selectedTextColor: theme.page
@@ -60,14 +59,15 @@ SheetFrame {
     Binding { target: guide; property: "room"; value: Math.floor(scroller.availableWidth - page.leftPadding - page.rightPadding) }
     Connections {
         target: guide
-        function onTurned() { scroller.contentItem.contentY = 0 }
+        function onTurned() {
+            scroller.contentItem.contentY = 0
+            Qt.callLater(scroller.drawAnew)
+        }
         function onHeadingWanted(heading) {
-            // Paragraphs, and around them the cells of tables.
-            const paragraphs = page.getText(0, page.length).split(/[\u2029\ufdd0\ufdd1]/)
-            const number = paragraphs.indexOf(heading)
-            const at = paragraphs.slice(0, number).reduce((sum, paragraph) => sum + paragraph.length + 1, 0)
-            if (number >= 0)
+            const at = guide.positionOf(heading, page)
+            if (at >= 0)
                 sheet.scrollTo(scroller.contentItem, page.positionToRectangle(at).y)
+            Qt.callLater(scroller.drawAnew)
         }
     }
 }

@@ -32,14 +32,29 @@ void Album::settle() {
         QCoreApplication::processEvents();
 }
 
-void Album::shoot(const std::string& name) {
-    settle();
-    const QImage image = window_.quickWindow()->grabWindow();
+void Album::save(const QImage& picture, const std::string& name) const {
     const auto path = folder_ / (name + ".png");
-    if (!image.save(QString::fromStdString(path.string())))
+    if (!picture.save(QString::fromStdString(path.string())))
         std::fprintf(stderr, "cannot write %s\n", path.c_str());
     else
         std::printf("%s\n", path.c_str());
+}
+
+void Album::shoot(const std::string& name) {
+    settle();
+    save(window_.quickWindow()->grabWindow(), name);
+}
+
+void Album::shoot(const std::string& name, const QQuickItem& item) {
+    settle();
+    const QRectF place = item.mapRectToScene(QRectF(0, 0, item.width(), item.height()));
+    save(window_.quickWindow()->grabWindow().copy(place.toRect()), name);
+}
+
+void Album::shoot(const std::string& name, const char* theme, const QSize& size) {
+    window_.quickWindow()->resize(size);
+    window_.theme().choose(QString::fromLatin1(theme));
+    shoot(name);
 }
 
 void Album::inEveryLook(const std::function<void(const std::string&)>& shootAll) {

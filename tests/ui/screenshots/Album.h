@@ -7,7 +7,9 @@
 #include <string>
 #include <utility>
 
+class QImage;
 class QQuickItem;
+class QSize;
 
 namespace zenka::screenshots {
 
@@ -23,6 +25,10 @@ public:
 
     /// Writes NAME.png, or says on the error stream that it cannot.
     void shoot(const std::string& name);
+    /// The same of an item alone.
+    void shoot(const std::string& name, const QQuickItem& item);
+    /// The same of the window in another size and theme.
+    void shoot(const std::string& name, const char* theme, const QSize& size);
 
     /// Calls back in every theme, at full and at minimum size, with what tells such a picture from the
     /// others:
@@ -30,6 +36,8 @@ public:
     void inEveryLook(const std::function<void(const std::string& look)>& shootAll);
 
 private:
+    void save(const QImage& picture, const std::string& name) const;
+
     ui::Window& window_;
     std::filesystem::path folder_;
 };

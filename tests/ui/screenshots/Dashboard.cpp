@@ -1,8 +1,10 @@
 #include "support/VirtualRig.h"
 #include "ui/AppView.h"
+#include "ui/Commands.h"
 #include "ui/Window.h"
 #include "ui/screenshots/Scenes.h"
 
+#include <QQuickItem>
 #include <QQuickWindow>
 
 #include <memory>
@@ -66,6 +68,21 @@ void shootDashboard(test::VirtualRig& rig, ui::Window& window,
             window.app().closeSheet();
         }
         rig.model.roster().setRealCameras({});
+    });
+}
+
+void shootHelp(ui::Window& window, Album& album) {
+    album.inEveryLook([&](const std::string& look) {
+        window.commands().trigger(QStringLiteral("openGuide"));
+        album.shoot("Help-top" + look);
+        QQuickItem* page = itemNamed(window, "guideText");
+        QMetaObject::invokeMethod(page, "linkActivated",
+                                  Q_ARG(QString, QStringLiteral("#the-window-at-a-glance")));
+        album.shoot("Help-picture" + look);
+        QMetaObject::invokeMethod(page, "linkActivated",
+                                  Q_ARG(QString, QStringLiteral("cameras.md#what-grabs-a-camera-on-linux")));
+        album.shoot("Help-followed" + look);
+        window.app().closeSheet();
     });
 }
 

@@ -21,6 +21,9 @@ std::shared_ptr<test::ScriptedCamera> beginRehearsal(test::VirtualRig& rig);
 void shootDashboard(test::VirtualRig& rig, ui::Window& window,
                     const std::shared_ptr<test::ScriptedCamera>& body, const QString& only, Album& album);
 
+/// The guide in Help: its beginning, a picture, and another page that a link led to.
+void shootHelp(ui::Window& window, Album& album);
+
 /// The page for phones, switched on.
 void shootGlance(ui::Window& window, services::GlanceDesk& glance, Album& album);
 

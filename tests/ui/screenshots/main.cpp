@@ -1,11 +1,11 @@
 // Renders the window and every sheet in the three themes at full and minimum size into a folder.
-// Usage: screenshots DIR [TEXT-SCALE [SHEET]]: all sheets, or one.
+// Usage: screenshots DIR [TEXT-SCALE [SHEET]]: all sheets, or one, or with "Guide" the pictures of the guide.
 
-#include "support/ToldNames.h"
-#include "support/ToldPages.h"
 #include "ui/AppView.h"
 #include "ui/Theme.h"
+#include "ui/screenshots/Guide.h"
 #include "ui/screenshots/Scenes.h"
+#include "ui/screenshots/Stage.h"
 
 #include <QGuiApplication>
 
@@ -27,20 +27,20 @@ int main(int argc, char** argv) {
     const QString only = argc > 3 ? QString::fromLocal8Bit(argv[3]) : QString();
     const auto wanted = [&only](const char* sheet) { return only.isEmpty() || only == QLatin1String(sheet); };
 
-    test::VirtualRig rig;
-    test::ToldNames names;
-    services::ServiceDesk services(rig.machine.all, names, rig.model, "0.1.0");
-    test::ToldPages pages;
-    services::GlanceDesk glance(rig.machine.all, pages, rig.model);
-    ui::Window window(rig.model, rig.machine.all, services, glance, QStringLiteral("0.1.0"));
+    if (only == QLatin1String("Guide"))
+        return shootGuide(argv[1]) ? 0 : 1;
+
+    Stage stage(argv[1]);
+    auto& [rig, names, services, pages, glance, window, album] = stage;
     if (!window.show())
         return 1;
     if (argc > 2)
         window.theme().setTextScale(std::atof(argv[2]));
     window.app().closeSheet();
-    Album album(window, argv[1]);
     const auto body = beginRehearsal(rig);
     shootDashboard(rig, window, body, only, album);
+    if (wanted("Help"))
+        shootHelp(window, album);
     if (wanted("Glance"))
         shootGlance(window, glance, album);
 
