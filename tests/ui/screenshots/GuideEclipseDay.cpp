@@ -63,7 +63,9 @@ bool shootImport(Stage& stage) {
         return false;
     field.window.app().closeSheet();
     field.window.app().declinePrompt();
-    field.rig.files.contents["/home/desk.zenka-rig"] = rig::toJson(stage.rig.model.transfer().gather());
+    rig::RigContents carried = stage.rig.model.transfer().gather();
+    carried.appVersion = "0.1.0"; // the virtual rig has a number of its own
+    field.rig.files.contents["/home/desk.zenka-rig"] = rig::toJson(carried);
     field.window.commands().trigger(QStringLiteral("importRig"));
     auto* view = qvariant_cast<QObject*>(QQmlEngine::contextForObject(field.window.quickWindow())
                                              ->contextProperty(QStringLiteral("transfer")));
