@@ -23,6 +23,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QIcon>
+#include <QImage>
+#include <QThreadPool>
+#include <QWindow>
 
 #include <csignal>
 #include <cstdio>
@@ -45,6 +49,24 @@ bool hasDisplay() {
     return false;
 }
 
+/// The window need not wait for its icon.
+void paintIconAside() {
+    QThreadPool::globalInstance()->start([] {
+        const QList<QImage> images = zenka::painting::windowIcons();
+        QMetaObject::invokeMethod(
+            qApp,
+            [images] {
+                QIcon icon;
+                for (const QImage& image : images)
+                    icon.addPixmap(QPixmap::fromImage(image));
+                QGuiApplication::setWindowIcon(icon);
+                for (QWindow* window : QGuiApplication::topLevelWindows()) // that were there before it
+                    window->setIcon(icon);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
 /// Two programs would take the bodies from each other.
 int passedOn(const zenka::platform::OneInstance& first, const QString& file) {
     if (first.passOn(file.toUtf8())) {
@@ -62,7 +84,6 @@ int runWindow(int argc, char** argv) {
     QGuiApplication::setApplicationVersion(QStringLiteral(ZENKA_VERSION));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Zenka"));
     QGuiApplication::setDesktopFileName(QStringLiteral("zenka"));
-    QGuiApplication::setWindowIcon(painting::windowIcon());
     platform::LinuxFolders folders;
     // What a file manager passes on. A switch that lacks its values is none of that.
     const QString file =
@@ -70,6 +91,7 @@ int runWindow(int argc, char** argv) {
     platform::OneInstance instance(folders.applicationSupport());
     if (!instance.first())
         return passedOn(instance, file);
+    paintIconAside();
     platform::ThreadWorkQueues settingsQueues;
     platform::QtSettings settings(settingsQueues);
     for (const char* key : rig::settingsKeys::deployment)

@@ -178,11 +178,11 @@ QImage appIcon(int size) {
     return picture.scaled(size, size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
-QIcon windowIcon() {
-    QIcon icon;
-    for (const int size : {16, 32, 48, 128}) // each costs the start some milliseconds
-        icon.addPixmap(QPixmap::fromImage(appIcon(size)));
-    return icon;
+QList<QImage> windowIcons() {
+    QList<QImage> icons;
+    for (const int size : {16, 32, 48, 128})
+        icons.append(appIcon(size));
+    return icons;
 }
 
 std::string pngOf(const QImage& image) {
