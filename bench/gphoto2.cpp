@@ -6,8 +6,8 @@
 #include "cameras/gphoto2/GPhoto2Camera.h"
 #include "platform/LinuxPorts.h"
 #include "platform/virtual/VirtualMachine.h"
-#include "rig/GPhoto2Family.h"
 #include "rig/RigModel.h"
+#include "rig/links/GPhoto2Family.h"
 #include "support/TempFolder.h"
 #include "support/TestFolders.h"
 

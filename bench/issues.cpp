@@ -1,7 +1,7 @@
 // How long it takes to say what will go wrong with a long script. Wanted: 60 ms for 20,000 frames on four
 // bodies, of which some thousands are too close together.
 #include "eclipse/Catalog.h"
-#include "rig/ScriptIssues.h"
+#include "rig/checks/ScriptIssues.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 // An answer on buildings may hold anything: what is taken of it raises the horizon to what a building can be.
 #include "Check.h"
-#include "rig/TerrainSource.h"
+#include "rig/site/TerrainSource.h"
 
 #include <cmath>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "Check.h"
-#include "rig/RigFields.h"
-#include "rig/RigFile.h"
+#include "rig/transfer/RigFields.h"
+#include "rig/transfer/RigFile.h"
 
 #include <cstddef>
 #include <cstdint>

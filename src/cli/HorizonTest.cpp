@@ -3,8 +3,8 @@
 #include "base/Text.h"
 #include "cli/Print.h"
 #include "platform/HeadlessNetwork.h"
-#include "rig/SettingsKeys.h"
-#include "rig/TerrainSurvey.h"
+#include "rig/shared/SettingsKeys.h"
+#include "rig/site/TerrainSurvey.h"
 
 #include <absl/strings/str_format.h>
 

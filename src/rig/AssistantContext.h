@@ -1,10 +1,10 @@
 #pragma once
 
-#include "rig/CadenceAdvisor.h"
-#include "rig/CameraRoster.h"
-#include "rig/LibraryDesk.h"
-#include "rig/ScriptDesk.h"
-#include "rig/SiteDesk.h"
+#include "rig/bodies/CameraRoster.h"
+#include "rig/bodies/LibraryDesk.h"
+#include "rig/checks/CadenceAdvisor.h"
+#include "rig/script/ScriptDesk.h"
+#include "rig/site/SiteDesk.h"
 
 #include <string>
 

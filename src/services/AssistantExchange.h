@@ -2,7 +2,7 @@
 
 #include "base/Lifeline.h"
 #include "ports/Ports.h"
-#include "rig/SiteDesk.h"
+#include "rig/site/SiteDesk.h"
 #include "services/AssistantWire.h"
 #include "services/ReplyScript.h"
 

@@ -3,7 +3,7 @@
 #include "analysis/AnalysisResult.h"
 #include "base/Lifeline.h"
 #include "ports/Ports.h"
-#include "rig/CameraProfiler.h"
+#include "rig/shots/CameraProfiler.h"
 
 #include <nlohmann/json_fwd.hpp>
 

@@ -2,7 +2,7 @@
 
 #include "base/Text.h"
 #include "base/TimeWords.h"
-#include "rig/Countdown.h"
+#include "rig/run/Countdown.h"
 #include "services/GlancePage.h"
 
 #include <absl/strings/str_format.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/ScriptValidator.h"
+#include "rig/checks/ScriptValidator.h"
 #include "script/CommandLines.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ports/Settings.h"
-#include "rig/SettingsKeys.h"
+#include "rig/shared/SettingsKeys.h"
 
 #include <string>
 #include <string_view>

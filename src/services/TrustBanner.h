@@ -2,7 +2,7 @@
 
 #include "base/Published.h"
 #include "ports/Ports.h"
-#include "rig/RigLog.h"
+#include "rig/shared/RigLog.h"
 #include "services/FeedbackPosts.h"
 
 #include <string>

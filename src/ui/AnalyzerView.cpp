@@ -1,7 +1,7 @@
 #include "ui/AnalyzerView.h"
 
-#include "rig/AnalyzerWords.h"
 #include "rig/RigModel.h"
+#include "rig/cards/AnalyzerWords.h"
 #include "ui/AppView.h"
 #include "ui/Observe.h"
 #include "ui/QtText.h"

@@ -1,6 +1,6 @@
 #include "ui/BodyChoice.h"
 
-#include "rig/CameraRoster.h"
+#include "rig/bodies/CameraRoster.h"
 
 #include <algorithm>
 

@@ -2,8 +2,8 @@
 
 #include "painting/ChecklistPdf.h"
 #include "ports/FreshName.h"
-#include "rig/Checklist.h"
 #include "rig/RigModel.h"
+#include "rig/checks/Checklist.h"
 #include "ui/QtText.h"
 
 #include <QUrl>

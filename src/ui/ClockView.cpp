@@ -2,8 +2,8 @@
 
 #include "base/TimeWords.h"
 #include "eclipse/SiteWords.h"
-#include "rig/Countdown.h"
 #include "rig/RigModel.h"
+#include "rig/run/Countdown.h"
 #include "ui/Observe.h"
 #include "ui/QtText.h"
 

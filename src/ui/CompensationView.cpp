@@ -1,7 +1,7 @@
 #include "ui/CompensationView.h"
 
-#include "rig/FireWording.h"
 #include "rig/RigModel.h"
+#include "rig/fire/FireWording.h"
 #include "ui/Observe.h"
 #include "ui/QtText.h"
 

@@ -1,6 +1,6 @@
 #include "ui/FramingScene.h"
 
-#include "rig/SiteDesk.h"
+#include "rig/site/SiteDesk.h"
 
 #include <algorithm>
 #include <cmath>

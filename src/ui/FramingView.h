@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/FramingBook.h"
+#include "rig/bodies/FramingBook.h"
 #include "ui/FramingBursts.h"
 #include "ui/FramingChoice.h"
 #include "ui/FramingFields.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/BurstDrift.h"
+#include "rig/bodies/BurstDrift.h"
 #include "ui/SkyScene.h"
 
 #include <QString>

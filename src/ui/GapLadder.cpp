@@ -1,7 +1,7 @@
 #include "ui/GapLadder.h"
 
-#include "rig/GapVerdicts.h"
-#include "rig/QuickFloor.h"
+#include "rig/shots/GapVerdicts.h"
+#include "rig/shots/QuickFloor.h"
 
 #include <algorithm>
 #include <utility>

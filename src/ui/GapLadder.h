@@ -1,7 +1,7 @@
 #pragma once
 
-#include "rig/GapProfile.h"
-#include "rig/QuickFloor.h"
+#include "rig/shots/GapProfile.h"
+#include "rig/shots/QuickFloor.h"
 #include "ui/RowList.h"
 
 #include <QString>

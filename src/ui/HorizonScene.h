@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/HorizonDesk.h"
+#include "rig/site/HorizonDesk.h"
 
 #include <string>
 #include <vector>

@@ -2,7 +2,7 @@
 
 #include "ports/Ports.h"
 #include "rig/RigModel.h"
-#include "rig/SettingsKeys.h"
+#include "rig/shared/SettingsKeys.h"
 #include "ui/LocationView.h"
 #include "ui/Observe.h"
 #include "ui/QtText.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/PreflightChecks.h"
+#include "rig/checks/PreflightChecks.h"
 #include "ui/RowList.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/RigTransfer.h"
+#include "rig/transfer/RigTransfer.h"
 
 #include <QObject>
 #include <QString>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ports/PlaceLookup.h"
-#include "rig/SiteDesk.h"
+#include "rig/site/SiteDesk.h"
 
 #include <array>
 #include <optional>

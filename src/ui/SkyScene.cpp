@@ -2,7 +2,7 @@
 
 #include "eclipse/Besselian.h"
 #include "eclipse/SkyCurve.h"
-#include "rig/SiteDesk.h"
+#include "rig/site/SiteDesk.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,8 +1,8 @@
 #include "ui/TimelineLanes.h"
 
-#include "rig/CameraRoster.h"
-#include "rig/FrameRecord.h"
-#include "rig/ScriptDesk.h"
+#include "rig/bodies/CameraRoster.h"
+#include "rig/fire/FrameRecord.h"
+#include "rig/script/ScriptDesk.h"
 
 #include <algorithm>
 #include <map>

@@ -1,7 +1,7 @@
 #include "ui/WarningsView.h"
 
-#include "rig/PlatformWords.h"
 #include "rig/RigModel.h"
+#include "rig/shared/PlatformWords.h"
 #include "ui/Observe.h"
 #include "ui/QtText.h"
 

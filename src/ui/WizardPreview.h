@@ -1,7 +1,7 @@
 #pragma once
 
-#include "rig/ScriptIssues.h"
-#include "rig/SiteDesk.h"
+#include "rig/checks/ScriptIssues.h"
+#include "rig/site/SiteDesk.h"
 #include "script/WizardChoices.h"
 #include "script/ZenkaScript.h"
 #include "ui/TimelineLanes.h"

@@ -2,7 +2,7 @@
 
 #include "analysis/Runs.h"
 #include "base/Text.h"
-#include "rig/RunLogFormat.h"
+#include "rig/runlog/RunLogFormat.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "platform/QtMainLoop.h"
 #include "platform/Waiting.h"
 #include "platform/virtual/VirtualPorts.h"
-#include "rig/TimeSources.h"
+#include "rig/machine/TimeSources.h"
 #include "support/Child.h"
 #include "support/MemoryFiles.h"
 #include "support/PortsBut.h"

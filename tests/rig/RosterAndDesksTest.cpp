@@ -1,4 +1,4 @@
-#include "rig/SettingsKeys.h"
+#include "rig/shared/SettingsKeys.h"
 #include "support/VirtualRig.h"
 
 #include <gtest/gtest.h>

@@ -57,6 +57,26 @@ class CheckLayers(unittest.TestCase):
         self.plant("platform/Loop.cpp", '#include "rig/Transport.h"')
         self.assertFaults("analysis may not", "eclipse may not", "platform may not")
 
+    def test_the_run_engines_folders_are_layers_of_their_own(self):
+        self.plant("rig/RigModel.h", '#include "rig/site/SiteDesk.h"')
+        self.plant("rig/RigModel.cpp", '#include "rig/fire/FireLoop.h"', '#include "rig/site/SiteDesk.h"')
+        self.plant("rig/fire/FireLoop.h", '#include "rig/site/SiteDesk.h"', '#include "FireScan.h"')
+        self.plant("rig/fire/FireScan.h", "#include <span>")
+        self.plant("rig/site/SiteDesk.h", '#include "rig/shared/RigLog.h"')
+        self.plant("rig/shared/RigLog.h", "#include <string>")
+        self.plant("ui/Clock.h", '#include "rig/fire/FireLoop.h"')
+        self.assertHolds()
+        self.plant("rig/site/SiteBook.cpp", '#include "rig/fire/FireLoop.h"')
+        self.plant("rig/site/SiteStore.cpp", '#include "../RigModel.h"')
+        self.plant("rig/new/Thing.cpp", "#include <string>")
+        self.plant("cameras/Body.h", '#include "rig/shared/RigLog.h"')
+        self.assertFaults(
+            "cameras may not include rig/shared",
+            "rig/new is not in the table",
+            "rig/site may not include rig/fire",
+            "rig/site may not include rig",
+        )
+
     def test_a_way_around_the_spelling_does_not_help(self):
         self.plant("base/A.cpp", '#include "../rig/Transport.h"')
         self.plant("base/B.cpp", "#include <rig/Transport.h>")

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/CameraFamily.h"
+#include "rig/links/CameraFamily.h"
 #include "support/ScriptedCamera.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "ui/FramingView.h"
 
-#include "rig/SettingsKeys.h"
+#include "rig/shared/SettingsKeys.h"
 #include "support/VirtualRig.h"
 #include "ui/FramingItem.h"
 

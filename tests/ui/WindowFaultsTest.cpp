@@ -1,5 +1,5 @@
 #include "DrivenWindow.h"
-#include "rig/SettingsKeys.h"
+#include "rig/shared/SettingsKeys.h"
 #include "ui/AppView.h"
 
 #include <gtest/gtest.h>

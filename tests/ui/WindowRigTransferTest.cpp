@@ -1,5 +1,5 @@
 #include "DrivenWindow.h"
-#include "rig/RigFile.h"
+#include "rig/transfer/RigFile.h"
 #include "ui/AppView.h"
 #include "ui/Commands.h"
 #include "ui/RigTransferView.h"

@@ -4,7 +4,7 @@
 #include "platform/LinuxPorts.h"
 #include "platform/Waiting.h"
 #include "platform/virtual/VirtualMachine.h"
-#include "rig/LumixFamily.h"
+#include "rig/links/LumixFamily.h"
 #include "support/Child.h"
 #include "support/ScriptedUsb.h"
 #include "support/TempFolder.h"
