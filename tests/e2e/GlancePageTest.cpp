@@ -84,7 +84,7 @@ TEST(GlancePage, aBrowserShowsARunAndNothingElseIsThere) {
 }
 
 TEST(GlancePage, onlyTheSecretIsAnsweredAndOnlyToBeLookedAt) {
-    platform::MicrohttpdPageServer server(300ms);
+    platform::MicrohttpdPageServer server(2s);
     const auto listening = server.listen({.secret = "opensesame", .silence = "no word"});
     ASSERT_NE(listening.port, 0) << listening.fault;
     EXPECT_THAT(listening.addresses, testing::ElementsAre("127.0.0.1"));
@@ -99,7 +99,7 @@ TEST(GlancePage, onlyTheSecretIsAnsweredAndOnlyToBeLookedAt) {
     for (const std::string& junk :
          {std::string(4096, '\xFF') + "\r\n\r\n", "GET /" + std::string(60'000, 'a') + " HTTP/1.1\r\n\r\n"})
         EXPECT_THAT(answerTo(listening.port, junk), Not(HasSubstr("the page")));
-    std::this_thread::sleep_for(400ms);
+    std::this_thread::sleep_for(2500ms);
     EXPECT_THAT(ask(listening.port, "GET /opensesame"), HasSubstr("no word"));
 
     // Those who connect and say nothing keep nobody else out for long, and hold the end up for nobody.

@@ -113,7 +113,7 @@ TEST(LinuxKeepAwake, aBusThatNeverAnswersKeepsNobodyWaiting) {
         keepAwake.hold("run");
         keepAwake.release();
         keepAwake.hold("run");
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
     }
     // the bus library itself waits 25 s
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));

@@ -316,10 +316,12 @@ TEST_F(LinuxMachineSensorsTest, aSilentBusIsLetBeForMinutes) {
         return base::Seconds(std::chrono::steady_clock::now() - begin).count();
     };
     EXPECT_GT(seconds(), 1);
+    double total = 0;
     for (int times = 0; times < 29; ++times) {
         time.runFor(base::Seconds{10});
-        EXPECT_LT(seconds(), 1);
+        total += seconds();
     }
+    EXPECT_LT(total, 10) << "each wait for the bus is more than one";
 }
 
 TEST_F(LinuxMachineSensorsTest, aBusThatComesLaterIsAskedAfterMinutes) {

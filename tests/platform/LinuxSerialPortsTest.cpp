@@ -177,8 +177,7 @@ TEST_F(LinuxSerialPortsTest, aReceiverOnARealLineGivesTheFixesOfEachStream) {
             PtyPort port(folder.path(), "ttyACM0");
             gps::GPSReceiver receiver(ports, queues, loop, clock);
             receiver.start(heard.listener());
-            ASSERT_TRUE(test::serveUntil([&] { return port.isOpen(); }));
-            std::this_thread::sleep_for(std::chrono::milliseconds(20)); // until old bytes are discarded
+            ASSERT_TRUE(test::serveUntil([&] { return port.isTaken(); }));
             constexpr std::size_t piece = 333;
             for (std::size_t at = 0; at < stream.bytes.size(); at += piece) {
                 port.write(std::string_view(stream.bytes).substr(at, piece));

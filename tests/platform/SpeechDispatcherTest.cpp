@@ -216,7 +216,7 @@ TEST_F(SpeechDispatcherTest, aServiceThatNeverSaysAWordKeepsNobodyWaiting) {
         speech.warmUp();
         EXPECT_FALSE(serveUntil([&] { return !ends.empty(); }, 200ms));
         speech.abandon();
-        EXPECT_LT(Clock::now() - begin, 1s);
+        EXPECT_LT(Clock::now() - begin, 3s);
     }
     std::filesystem::remove(server.socket());
     server.start();

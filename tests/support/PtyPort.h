@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <sys/ioctl.h>
 #include <system_error>
 #include <termios.h>
 #include <unistd.h>
@@ -55,6 +56,18 @@ public:
     bool isOpen() const {
         pollfd asked{.fd = master_, .events = 0, .revents = 0};
         return ::poll(&asked, 1, 0) >= 0 && (asked.revents & POLLHUP) == 0;
+    }
+
+    /// Whether somebody has it for himself: the last that the program does before it reads, and after it has
+    /// thrown away what came before.
+    bool isTaken() const {
+        const int device = ::open(link_.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+        if (device < 0)
+            return errno == EBUSY;
+        int exclusive = 0; // for root, whom that mode does not keep out
+        ::ioctl(device, TIOCGEXCL, &exclusive);
+        ::close(device);
+        return exclusive != 0;
     }
 
     void unplug() {
