@@ -57,7 +57,12 @@ bool RunState::isComplete(base::Instant now) const {
     return armKind == ArmKind::real && tC4 + afterLastContactSec <= clockAt(now);
 }
 
-std::string toJson(const RunState& state) {
+std::string RunStateWriter::toJson(const RunState& state) {
+    constexpr auto replace = Json::error_handler_t::replace;
+    if (state.scriptText != script_ || scriptJson_.empty()) {
+        script_ = state.scriptText;
+        scriptJson_ = Json(script_).dump(-1, ' ', false, replace);
+    }
     Json cameras = Json::array();
     for (const RunState::Cam& cam : state.cameras)
         cameras.push_back({{"serial", cam.serial}, {"label", cam.label}, {"model", cam.model}});
@@ -68,7 +73,6 @@ std::string toJson(const RunState& state) {
                       {"elev", state.elev},
                       {"tzId", state.tzId},
                       {"siteLabel", state.siteLabel},
-                      {"scriptText", state.scriptText},
                       {"armKind", state.armKind == RunState::ArmKind::real ? "real" : "simulation"},
                       {"anchorWall", state.anchorWall.epochSec},
                       {"anchorClock", state.anchorClock},
@@ -79,7 +83,13 @@ std::string toJson(const RunState& state) {
                       {"liveCameras", state.liveCameras},
                       {"cameras", std::move(cameras)},
                       {"appVersion", state.appVersion}};
-    return object.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
+    std::string text = object.dump(1, ' ', false, replace);
+    text.resize(text.size() - std::string_view("\n}").size());
+    return text + ",\n \"scriptText\": " + scriptJson_ + "\n}\n";
+}
+
+std::string toJson(const RunState& state) {
+    return RunStateWriter().toJson(state);
 }
 
 std::optional<RunState> runStateFromJson(std::string_view json) {

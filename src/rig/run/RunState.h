@@ -50,6 +50,17 @@ struct RunState {
     friend bool operator==(const RunState&, const RunState&) = default;
 };
 
+/// Writes the states of one run, one after another. Nearly all of a state is its script, which is the same at
+/// each beat, so its text is made but once.
+class RunStateWriter {
+public:
+    std::string toJson(const RunState& state);
+
+private:
+    std::string script_;
+    std::string scriptJson_; ///< of script_, in its quotes
+};
+
 /// docs/data-formats.md has the format.
 std::string toJson(const RunState& state);
 /// Nothing for a text that is no such state.

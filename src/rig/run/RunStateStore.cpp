@@ -10,11 +10,13 @@ constexpr base::Seconds diskLimit{5};
 
 RunStateStore::RunStateStore(const ports::Ports& ports)
     : disk_(ports.files), file_(ports.folders.applicationSupport() / "run-state.json"),
-      queue_(ports.queues.serial("zenka.runstate")) {
+      queue_(ports.queues.serial("zenka.runstate")), writer_(std::make_shared<RunStateWriter>()) {
 }
 
 void RunStateStore::save(const RunState& state) {
-    queue_->post([&disk = disk_, file = file_, state] { disk.writeAtomically(file, toJson(state)); });
+    queue_->post([&disk = disk_, file = file_, writer = writer_, state] {
+        disk.writeAtomically(file, writer->toJson(state));
+    });
 }
 
 void RunStateStore::clear() {

@@ -33,6 +33,7 @@ private:
     ports::Files& disk_;
     std::filesystem::path file_;
     std::shared_ptr<ports::WorkQueue> queue_;
+    const std::shared_ptr<RunStateWriter> writer_; ///< on the queue alone
 };
 
 } // namespace zenka::rig

@@ -41,6 +41,11 @@ TEST(RunState, survivesJsonAndADamagedOneIsNone) {
     for (std::size_t length = 0; length + 2 < json.size(); length += 7)
         EXPECT_FALSE(rig::runStateFromJson(std::string_view(json).substr(0, length)));
     EXPECT_FALSE(rig::runStateFromJson("{}"));
+    rig::RunStateWriter writer;
+    for (const char* script : {"", "\"É\"\t# one\n", "# two\n# lines\n"}) {
+        state.scriptText = script;
+        EXPECT_EQ(rig::runStateFromJson(writer.toJson(state)), state) << script;
+    }
     std::string other = json;
     other.replace(other.find("\"real\""), 6, "\"fake\"");
     EXPECT_FALSE(rig::runStateFromJson(other));
