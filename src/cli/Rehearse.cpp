@@ -97,6 +97,7 @@ void rehearse(const std::string& scriptPath, std::span<const std::string> placeA
     platform::LinuxFolders folders;
     platform::VirtualPorts machine(platform::LinuxClock().now(), folders, files);
     rig::RigModel rig(machine.all, ZENKA_VERSION);
+    rig.keeper().keepNothing(); // the window may have a run that can be resumed
     if (place)
         rig.site().choose(place->eclipseId, place->site);
     rig.script().load(*text, std::filesystem::path(scriptPath).filename().string());

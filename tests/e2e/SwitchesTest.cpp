@@ -25,7 +25,7 @@ struct Switches : testing::Test {
     Result zenka(std::vector<std::string> arguments, const std::string& setting = "NOTHING=") const {
         arguments.insert(arguments.begin(), ZENKA_EXECUTABLE);
         // On a desktop too there is nothing that a window could be shown on.
-        Child child(arguments, {"HOME=" + home.string(), "XDG_CONFIG_HOME=", "TZ=UTC",
+        Child child(arguments, {"HOME=" + home.string(), "XDG_CONFIG_HOME=", "XDG_DATA_HOME=", "TZ=UTC",
                                 "DISPLAY=", "WAYLAND_DISPLAY=", "QT_QPA_PLATFORM=", setting});
         std::string output = child.readRest();
         return {std::move(output), child.wait()};
@@ -267,6 +267,19 @@ TEST_F(Switches, aRehearsalTakesTheGivenPlaceAndSaysWhatIsWrongWithOne) {
     EXPECT_TRUE(fault({"2027-08-02", "1", "x", "3", "UTC"}).starts_with("cannot read the longitude"));
     EXPECT_TRUE(fault({"2027-08-02", "1", "2", "3", "Egypt/Luxor"}).starts_with("unknown time zone"));
     EXPECT_EQ(zenka({"--rehearse", "/no/such"}).output, "cannot read /no/such\n");
+}
+
+TEST_F(Switches, aRehearsalLeavesTheRunAloneThatTheWindowMayResume) {
+    const std::string script = file("s.zenka", "TAKEPIC,MAX,+,00:00,CAM1,1/500,8,100,0,RAW,None,N,x\n");
+    const fs::path own = home / ".local/share/ZenkaRig";
+    zenka({"--rehearse", script});
+    EXPECT_FALSE(fs::exists(own));
+    fs::create_directories(own);
+    const std::string record = "{\"version\": 1, \"armKind\": \"real\"}";
+    file(".local/share/ZenkaRig/run-state.json", record);
+    EXPECT_NE(zenka({"--rehearse", script}).output.find("1 frames ok"), std::string::npos);
+    std::ifstream kept(own / "run-state.json");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), record);
 }
 
 TEST_F(Switches, aRehearsalWhoseLogCannotBeWrittenStillRuns) {

@@ -34,6 +34,8 @@ RunKeeper::RunKeeper(const ports::Ports& ports, RigLog& log, SiteDesk& site, Scr
 }
 
 void RunKeeper::saveRunState(RunState::ArmKind kind) {
+    if (!keeping_)
+        return;
     const bool real = kind == RunState::ArmKind::real;
     const base::Instant now = ports_.clock.now();
     const Site& site = site_.site();
@@ -74,7 +76,7 @@ void RunKeeper::heartbeatRunState() {
 void RunKeeper::clearRunState() {
     lastRunSave_.reset();
     resumableRun_.set(std::nullopt);
-    if (std::exchange(stored_, false)) // asked for on each tick of a run that is over
+    if (keeping_ && std::exchange(stored_, false)) // asked for on each tick of a run that is over
         store_.clear();
 }
 

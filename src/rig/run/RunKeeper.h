@@ -25,6 +25,9 @@ public:
     /// Writes an active run down if that was not done in the last five seconds.
     void heartbeatRunState();
     void clearRunState();
+    /// From now on writes nothing down and clears nothing: for runs that nobody can pick up, which must not
+    /// cost the record of one that somebody may.
+    void keepNothing() { keeping_ = false; }
 
     /// Looks for a run that can be picked up, and forgets one that cannot.
     void checkForResumableRun();
@@ -61,6 +64,7 @@ private:
     const std::string appVersion_;
     RunStateStore store_;
     sigc::signal<void()> rebindCameras_;
+    bool keeping_ = true;
     bool stored_ = true;                     // a file may be there
     std::optional<double> lastRunSave_;      // continuous seconds
     std::optional<double> lastEclipseNudge_; // continuous seconds
