@@ -1,7 +1,7 @@
 // What one paint of the timeline costs on the software path, at the width of the large window.
 
 #include "support/VirtualRig.h"
-#include "ui/TimelinePainter.h"
+#include "ui/timeline/TimelinePainter.h"
 
 #include <QGuiApplication>
 #include <QImage>

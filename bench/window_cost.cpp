@@ -7,8 +7,8 @@
 #include "services/GlanceDesk.h"
 #include "services/ServiceDesk.h"
 #include "support/TestFolders.h"
-#include "ui/AppView.h"
 #include "ui/Window.h"
+#include "ui/kit/AppView.h"
 
 #include <QGuiApplication>
 #include <QQuickWindow>

@@ -1,8 +1,8 @@
 // What the wizard's form does on each change of an answer: the script made and compiled, frames counted,
 // exposures judged, remarks collected. A person should see it follow: 50 ms for three bodies.
 #include "eclipse/Catalog.h"
-#include "ui/WizardAnswers.h"
-#include "ui/WizardPreview.h"
+#include "ui/wizard/WizardAnswers.h"
+#include "ui/wizard/WizardPreview.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,16 +1,16 @@
 #include "ui/CommandList.h"
 
 #include "rig/RigModel.h"
-#include "ui/AnalyzerView.h"
-#include "ui/AppView.h"
-#include "ui/ChecklistPrinter.h"
 #include "ui/Commands.h"
-#include "ui/EditTarget.h"
-#include "ui/GuidePages.h"
-#include "ui/GuideView.h"
-#include "ui/PreflightView.h"
-#include "ui/RigTransferView.h"
-#include "ui/Theme.h"
+#include "ui/help/GuidePages.h"
+#include "ui/help/GuideView.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/EditTarget.h"
+#include "ui/kit/Theme.h"
+#include "ui/run/AnalyzerView.h"
+#include "ui/run/ChecklistPrinter.h"
+#include "ui/run/PreflightView.h"
+#include "ui/run/RigTransferView.h"
 
 #include <QQuickItem>
 #include <QQuickWindow>

@@ -21,7 +21,7 @@ struct Command {
     bool standard = false;         ///< the focused text field has it already
 };
 
-/// Every command of the program, declared in one place (Window.cpp), in the order of the menus.
+/// Every command of the program, declared in one place (CommandList.cpp), in the order of the menus.
 class Commands : public QAbstractListModel {
     Q_OBJECT
     Q_PROPERTY(QStringList menus READ menus CONSTANT)

@@ -1,6 +1,6 @@
 #include "DrivenWindow.h"
 
-#include "ui/AppView.h"
+#include "ui/kit/AppView.h"
 
 #include <QCoreApplication>
 #include <QQmlContext>

@@ -2,9 +2,9 @@
 #include "support/ImageFiles.h"
 #include "support/TempFolder.h"
 #include "support/TimedCamera.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
-#include "ui/Theme.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/Theme.h"
 
 #include <QTest>
 #include <QUrl>

@@ -1,6 +1,6 @@
 #include "DrivenWindow.h"
 #include "services/ServiceAddress.h"
-#include "ui/AppView.h"
+#include "ui/kit/AppView.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,6 +1,6 @@
 #include "DrivenWindow.h"
-#include "ui/AppView.h"
-#include "ui/Theme.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/Theme.h"
 
 #include <QTest>
 #include <gtest/gtest.h>

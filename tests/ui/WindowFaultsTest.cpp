@@ -1,6 +1,6 @@
 #include "DrivenWindow.h"
 #include "rig/shared/SettingsKeys.h"
-#include "ui/AppView.h"
+#include "ui/kit/AppView.h"
 
 #include <gtest/gtest.h>
 

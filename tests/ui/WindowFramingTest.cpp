@@ -1,6 +1,6 @@
 #include "DrivenWindow.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
+#include "ui/kit/AppView.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "DrivenWindow.h"
-#include "ui/AppView.h"
+#include "ui/kit/AppView.h"
 
 #include <gtest/gtest.h>
 

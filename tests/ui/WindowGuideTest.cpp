@@ -1,9 +1,9 @@
 // The pages of Help: what they show and where their links lead.
 #include "DrivenWindow.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
-#include "ui/GuidePages.h"
-#include "ui/Theme.h"
+#include "ui/help/GuidePages.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/Theme.h"
 
 #include <QFile>
 #include <QImageReader>

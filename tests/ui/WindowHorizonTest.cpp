@@ -1,7 +1,7 @@
 #include "DrivenWindow.h"
 #include "rig/shared/SettingsKeys.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
+#include "ui/kit/AppView.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "DrivenWindow.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
-#include "ui/Theme.h"
-#include "ui/TimelineItem.h"
-#include "ui/TimelinePainter.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/Theme.h"
+#include "ui/timeline/TimelineItem.h"
+#include "ui/timeline/TimelinePainter.h"
 
 #include <QTest>
 #include <gtest/gtest.h>

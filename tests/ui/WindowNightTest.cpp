@@ -1,7 +1,7 @@
 #include "DrivenWindow.h"
-#include "ui/AppView.h"
-#include "ui/NightPointer.h"
-#include "ui/Theme.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/NightPointer.h"
+#include "ui/kit/Theme.h"
 
 #include <QCursor>
 #include <QFile>

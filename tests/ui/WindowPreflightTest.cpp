@@ -1,8 +1,8 @@
 #include "DrivenWindow.h"
 #include "support/NmeaSentences.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
-#include "ui/PreflightView.h"
+#include "ui/kit/AppView.h"
+#include "ui/run/PreflightView.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "DrivenWindow.h"
 #include "support/TimedCamera.h"
-#include "ui/AppView.h"
-#include "ui/Theme.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/Theme.h"
 
 #include <QTest>
 #include <gmock/gmock.h>

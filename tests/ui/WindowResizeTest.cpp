@@ -1,5 +1,5 @@
 #include "DrivenWindow.h"
-#include "ui/Theme.h"
+#include "ui/kit/Theme.h"
 
 #include <QTest>
 #include <gtest/gtest.h>

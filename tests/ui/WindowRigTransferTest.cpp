@@ -1,8 +1,8 @@
 #include "DrivenWindow.h"
 #include "rig/transfer/RigFile.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
-#include "ui/RigTransferView.h"
+#include "ui/kit/AppView.h"
+#include "ui/run/RigTransferView.h"
 
 #include <QProcess>
 #include <QQmlContext>

@@ -2,8 +2,8 @@
 #include "services/ServiceAddress.h"
 #include "support/ImageFiles.h"
 #include "support/TempFolder.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
+#include "ui/kit/AppView.h"
 
 #include <QUrl>
 #include <gmock/gmock.h>

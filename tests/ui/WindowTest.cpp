@@ -1,9 +1,9 @@
 #include "ui/Window.h"
 
 #include "DrivenWindow.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
-#include "ui/Theme.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/Theme.h"
 
 #include <QGuiApplication>
 #include <QTest>

@@ -1,6 +1,6 @@
 #include "DrivenWindow.h"
-#include "ui/AppView.h"
-#include "ui/WizardAnswers.h"
+#include "ui/kit/AppView.h"
+#include "ui/wizard/WizardAnswers.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

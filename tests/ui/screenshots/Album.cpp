@@ -1,6 +1,6 @@
 #include "ui/screenshots/Album.h"
 
-#include "ui/Theme.h"
+#include "ui/kit/Theme.h"
 
 #include <QCoreApplication>
 #include <QImage>

@@ -1,9 +1,9 @@
 #include "support/ImageFiles.h"
 #include "support/TempFolder.h"
 #include "support/VirtualRig.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
 #include "ui/Window.h"
+#include "ui/kit/AppView.h"
 #include "ui/screenshots/Scenes.h"
 
 #include <QUrl>

@@ -1,7 +1,7 @@
 #include "services/ServiceAddress.h"
 #include "support/VirtualRig.h"
-#include "ui/AppView.h"
 #include "ui/Window.h"
+#include "ui/kit/AppView.h"
 #include "ui/screenshots/Scenes.h"
 
 #include <QQuickItem>

@@ -1,6 +1,6 @@
 #include "support/VirtualRig.h"
-#include "ui/AppView.h"
 #include "ui/Window.h"
+#include "ui/kit/AppView.h"
 #include "ui/screenshots/Scenes.h"
 
 #include <QQuickItem>

@@ -1,6 +1,6 @@
-#include "ui/AppView.h"
 #include "ui/Commands.h"
-#include "ui/Theme.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/Theme.h"
 #include "ui/screenshots/Guide.h"
 #include "ui/screenshots/GuideSizes.h"
 #include "ui/screenshots/Stage.h"

@@ -1,5 +1,5 @@
 #include "support/TimedCamera.h"
-#include "ui/AppView.h"
+#include "ui/kit/AppView.h"
 #include "ui/screenshots/Guide.h"
 #include "ui/screenshots/GuideSizes.h"
 #include "ui/screenshots/Stage.h"

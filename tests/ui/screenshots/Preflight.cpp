@@ -1,7 +1,7 @@
 #include "support/NmeaSentences.h"
 #include "support/VirtualRig.h"
-#include "ui/AppView.h"
 #include "ui/Window.h"
+#include "ui/kit/AppView.h"
 #include "ui/screenshots/Scenes.h"
 
 #include <QQuickWindow>

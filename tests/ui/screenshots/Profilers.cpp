@@ -1,8 +1,8 @@
 #include "exposure/ExposureScales.h"
 #include "support/TimedCamera.h"
 #include "support/VirtualRig.h"
-#include "ui/AppView.h"
 #include "ui/Window.h"
+#include "ui/kit/AppView.h"
 #include "ui/screenshots/Scenes.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #include "support/VirtualRig.h"
-#include "ui/AppView.h"
 #include "ui/Commands.h"
 #include "ui/Window.h"
+#include "ui/kit/AppView.h"
 #include "ui/screenshots/Scenes.h"
 
 #include <QQmlContext>

@@ -1,8 +1,8 @@
 // Renders the window and every sheet in the three themes at full and minimum size into a folder.
 // Usage: screenshots DIR [TEXT-SCALE [SHEET]]: all sheets, or one, or with "Guide" the pictures of the guide.
 
-#include "ui/AppView.h"
-#include "ui/Theme.h"
+#include "ui/kit/AppView.h"
+#include "ui/kit/Theme.h"
 #include "ui/screenshots/Guide.h"
 #include "ui/screenshots/Scenes.h"
 #include "ui/screenshots/Stage.h"
